@@ -1,0 +1,98 @@
+#include "SettingsPreferencesStore.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestSettingsPreferences final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void defaultFileFollowsXdgConfigHome();
+    void valuesSurvive_data();
+    void valuesSurvive();
+    void kindsDoNotMix();
+    void seesOtherWriters();
+
+private:
+    QTemporaryDir m_dir;
+};
+
+void TestSettingsPreferences::defaultFileFollowsXdgConfigHome()
+{
+    QVERIFY(m_dir.isValid());
+    qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
+    {
+        SettingsPreferencesStore preferences;
+        QCOMPARE(preferences.fileName(), m_dir.filePath(QStringLiteral("zonara/zonara.conf")));
+        preferences.writeBool(QStringLiteral("zonara.seeded"), true);
+    }
+    // Written at once, not on destruction only.
+    QVERIFY(QFile::exists(m_dir.filePath(QStringLiteral("zonara/zonara.conf"))));
+}
+
+void TestSettingsPreferences::valuesSurvive_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QByteArray binary;
+    for (int i = 0; i < 256; ++i)
+        binary.append(char(i));
+    QTest::newRow("every byte") << binary << "labelTime24";
+    QTest::newRow("plist header") << QByteArray("bplist00\0\x01\x02", 11) << "labelDayTime24";
+    QTest::newRow("empty") << QByteArray() << "";
+    QTest::newRow("ini syntax in text") << QByteArray("=;[]") << "a=b; [section] \\n \"quoted\"";
+    QTest::newRow("unicode text") << QByteArray("x")
+                                  << QStringView(u"S\u00e3o Paulo \U0001F30E").toString();
+}
+
+void TestSettingsPreferences::valuesSurvive()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    const QString file = m_dir.filePath(QStringLiteral("values.conf"));
+    QFile::remove(file);
+    {
+        SettingsPreferencesStore preferences(file);
+        preferences.writeBytes(QStringLiteral("zonara.zones"), bytes);
+        preferences.writeText(QStringLiteral("zonara.format"), text);
+        preferences.writeBool(QStringLiteral("zonara.seeded"), true);
+    }
+    const SettingsPreferencesStore reread(file);
+    QCOMPARE(reread.readBytes(QStringLiteral("zonara.zones")), std::optional(bytes));
+    QCOMPARE(reread.readText(QStringLiteral("zonara.format")), std::optional(text));
+    QVERIFY(reread.readBool(QStringLiteral("zonara.seeded")));
+}
+
+void TestSettingsPreferences::kindsDoNotMix()
+{
+    const QString file = m_dir.filePath(QStringLiteral("kinds.conf"));
+    SettingsPreferencesStore preferences(file);
+    preferences.writeBytes(QStringLiteral("bytes"), QByteArray("abc"));
+    preferences.writeText(QStringLiteral("text"), QStringLiteral("abc"));
+    QCOMPARE(preferences.readText(QStringLiteral("bytes")), std::nullopt);
+    QCOMPARE(preferences.readBytes(QStringLiteral("text")), std::nullopt);
+    QCOMPARE(preferences.readBytes(QStringLiteral("absent")), std::nullopt);
+    QCOMPARE(preferences.readText(QStringLiteral("absent")), std::nullopt);
+    QVERIFY(!preferences.readBool(QStringLiteral("absent")));
+    QVERIFY(!preferences.readBool(QStringLiteral("text")));
+    preferences.writeBool(QStringLiteral("flag"), false);
+    QVERIFY(!preferences.readBool(QStringLiteral("flag")));
+}
+
+void TestSettingsPreferences::seesOtherWriters()
+{
+    const QString file = m_dir.filePath(QStringLiteral("shared.conf"));
+    SettingsPreferencesStore first(file);
+    SettingsPreferencesStore second(file);
+    first.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    QCOMPARE(second.readText(QStringLiteral("zonara.format")),
+             std::optional(QStringLiteral("labelTime12")));
+    second.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    QCOMPARE(first.readText(QStringLiteral("zonara.format")),
+             std::optional(QStringLiteral("timeOnly24")));
+}
+
+QTEST_GUILESS_MAIN(TestSettingsPreferences)
+#include "tst_settingspreferences.moc"

@@ -1,0 +1,496 @@
+#include "MemoryPreferencesStore.h"
+#include "SettingsPreferencesStore.h"
+#include "ZoneListCodec.h"
+#include "ZoneStore.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QSet<QString> knownZones{
+    QStringLiteral("Europe/Stockholm"), QStringLiteral("Asia/Tokyo"),
+    QStringLiteral("America/New_York"), QStringLiteral("Europe/London"),
+    QStringLiteral("Asia/Kolkata"),     QStringLiteral("UTC"),
+};
+
+TimeZoneLookup testLookup(const QString &systemZone = QStringLiteral("Europe/Stockholm"))
+{
+    return {[](const QString &id) { return knownZones.contains(id); },
+            [systemZone] { return systemZone; }};
+}
+
+QByteArray encoded(const QList<SavedZone> &zones)
+{
+    return *ZoneListCodec::encode(zones);
+}
+
+SavedZone zoneNamed(const QString &identifier, std::optional<QString> label = std::nullopt)
+{
+    return {QUuid::createUuid(), identifier, std::move(label), false};
+}
+
+QStringList identifiersOf(const QList<SavedZone> &zones)
+{
+    QStringList ids;
+    for (const SavedZone &zone : zones)
+        ids.append(zone.identifier);
+    return ids;
+}
+
+// A store that starts with the zones a, b, c, d (already seeded).
+struct Fixture
+{
+    explicit Fixture(int count = 4)
+    {
+        const QStringList names{QStringLiteral("Europe/Stockholm"), QStringLiteral("Asia/Tokyo"),
+                                QStringLiteral("America/New_York"),
+                                QStringLiteral("Europe/London")};
+        for (int i = 0; i < count; ++i)
+            initial.append(zoneNamed(names.at(i)));
+        preferences.writeBytes(ZoneStore::zonesKey, encoded(initial));
+        preferences.writeBool(ZoneStore::seededKey, true);
+        store = std::make_unique<ZoneStore>(preferences, testLookup());
+        writesAtStart = preferences.writeCount(ZoneStore::zonesKey);
+    }
+    QUuid id(int index) const { return initial.at(index).id; }
+    QList<SavedZone> pick(std::initializer_list<int> order) const
+    {
+        QList<SavedZone> zones;
+        for (int index : order)
+            zones.append(initial.at(index));
+        return zones;
+    }
+    int writes() const { return preferences.writeCount(ZoneStore::zonesKey) - writesAtStart; }
+    std::optional<QList<SavedZone>> stored() const
+    {
+        return ZoneListCodec::decode(*preferences.readBytes(ZoneStore::zonesKey));
+    }
+
+    MemoryPreferencesStore preferences;
+    QList<SavedZone> initial;
+    std::unique_ptr<ZoneStore> store;
+    int writesAtStart = 0;
+};
+
+using Ids = QList<int>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(std::optional<int>)
+
+class TestZoneStore final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstStartSeedsSystemZone_data();
+    void firstStartSeedsSystemZone();
+    void laterStartKeepsEmptyList();
+    void seedingKeepsStoredList();
+    void unreadableListStaysUntouched();
+    void loadsFormat_data();
+    void loadsFormat();
+    void add_data();
+    void add();
+    void rename_data();
+    void rename();
+    void togglePin();
+    void removeAlwaysAnnounces();
+    void unknownIdIsIgnored();
+    void move_data();
+    void move();
+    void moveZones_data();
+    void moveZones();
+    void equalListWritesWithoutSignal();
+    void equalFormatWritesWithoutSignal();
+    void pinnedZonesKeepOrder();
+    void writesNothingElse();
+    void secondStoreSeesEveryChange();
+};
+
+void TestZoneStore::firstStartSeedsSystemZone_data()
+{
+    QTest::addColumn<QString>("systemZone");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("named zone") << "Asia/Kolkata"
+                                << "Asia/Kolkata";
+    QTest::newRow("no name") << ""
+                             << "UTC";
+}
+
+void TestZoneStore::firstStartSeedsSystemZone()
+{
+    QFETCH(QString, systemZone);
+    QFETCH(QString, expected);
+    MemoryPreferencesStore preferences;
+    ZoneStore store(preferences, testLookup(systemZone));
+
+    QCOMPARE(store.zones().size(), 1);
+    const SavedZone &zone = store.zones().first();
+    QCOMPARE(zone.identifier, expected);
+    QCOMPARE(zone.customLabel, std::nullopt);
+    QVERIFY(!zone.isPinned);
+    QVERIFY(!zone.id.isNull());
+    QVERIFY(preferences.readBool(ZoneStore::seededKey));
+    QVERIFY(!preferences.contains(ZoneStore::formatKey));
+    QCOMPARE(store.format(), MenuBarFormat::labelTime24);
+    QCOMPARE(ZoneListCodec::decode(*preferences.readBytes(ZoneStore::zonesKey)),
+             std::optional(store.zones()));
+}
+
+void TestZoneStore::laterStartKeepsEmptyList()
+{
+    MemoryPreferencesStore preferences;
+    {
+        ZoneStore store(preferences, testLookup());
+        store.remove(store.zones().first().id);
+        QVERIFY(store.zones().isEmpty());
+    }
+    ZoneStore again(preferences, testLookup());
+    QVERIFY(again.zones().isEmpty());
+}
+
+void TestZoneStore::seedingKeepsStoredList()
+{
+    MemoryPreferencesStore preferences;
+    const QList<SavedZone> stored{zoneNamed(QStringLiteral("Asia/Tokyo"))};
+    preferences.writeBytes(ZoneStore::zonesKey, encoded(stored));
+    ZoneStore store(preferences, testLookup());
+    QCOMPARE(store.zones(), stored);
+    QVERIFY(preferences.readBool(ZoneStore::seededKey));
+}
+
+void TestZoneStore::unreadableListStaysUntouched()
+{
+    MemoryPreferencesStore preferences;
+    const QByteArray garbage("bplist00 but not really");
+    preferences.writeBytes(ZoneStore::zonesKey, garbage);
+    preferences.writeBool(ZoneStore::seededKey, true);
+    ZoneStore store(preferences, testLookup());
+    QVERIFY(store.zones().isEmpty());
+    QCOMPARE(preferences.readBytes(ZoneStore::zonesKey), std::optional(garbage));
+
+    // Not yet seeded: the seed replaces the bad bytes at once.
+    MemoryPreferencesStore fresh;
+    fresh.writeBytes(ZoneStore::zonesKey, garbage);
+    ZoneStore seeded(fresh, testLookup());
+    QCOMPARE(seeded.zones().size(), 1);
+    QCOMPARE(ZoneListCodec::decode(*fresh.readBytes(ZoneStore::zonesKey)),
+             std::optional(seeded.zones()));
+}
+
+void TestZoneStore::loadsFormat_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<MenuBarFormat>("expected");
+    QTest::addColumn<int>("formatWrites");
+    QTest::newRow("valid") << "labelTime12" << MenuBarFormat::labelTime12 << 2;
+    QTest::newRow("seconds") << "labelTime24Seconds" << MenuBarFormat::labelTime24Seconds << 2;
+    QTest::newRow("title, not a raw value") << "Label + 12h" << MenuBarFormat::labelTime24 << 1;
+    QTest::newRow("wrong case") << "LabelTime12" << MenuBarFormat::labelTime24 << 1;
+}
+
+void TestZoneStore::loadsFormat()
+{
+    QFETCH(QString, stored);
+    QFETCH(MenuBarFormat, expected);
+    QFETCH(int, formatWrites);
+    MemoryPreferencesStore preferences;
+    preferences.writeText(ZoneStore::formatKey, stored);
+    ZoneStore store(preferences, testLookup());
+    QCOMPARE(store.format(), expected);
+    // A valid format is written back; an unknown text is left as it was.
+    QCOMPARE(preferences.writeCount(ZoneStore::formatKey), formatWrites);
+    QCOMPARE(preferences.readText(ZoneStore::formatKey), std::optional(stored));
+}
+
+void TestZoneStore::add_data()
+{
+    QTest::addColumn<QString>("identifier");
+    QTest::addColumn<std::optional<QString>>("label");
+    QTest::addColumn<bool>("appended");
+    const auto home = std::optional<QString>(QStringLiteral("Home"));
+    QTest::newRow("same nickname") << "Asia/Tokyo" << home << false;
+    QTest::newRow("no nickname") << "Asia/Tokyo" << std::optional<QString>() << true;
+    QTest::newRow("trailing space")
+        << "Asia/Tokyo" << std::optional<QString>(QStringLiteral("Home ")) << true;
+    QTest::newRow("empty nickname") << "Asia/Tokyo" << std::optional<QString>(QString()) << true;
+    QTest::newRow("other zone, same nickname") << "Europe/London" << home << true;
+    QTest::newRow("unknown zone") << "Mars/Olympus_Mons" << std::optional<QString>() << false;
+    QTest::newRow("wrong case") << "asia/tokyo" << std::optional<QString>() << false;
+}
+
+void TestZoneStore::add()
+{
+    QFETCH(QString, identifier);
+    QFETCH(std::optional<QString>, label);
+    QFETCH(bool, appended);
+
+    Fixture f(0);
+    f.store->add(QStringLiteral("Asia/Tokyo"), QStringLiteral("Home"), true);
+    QCOMPARE(f.store->zones().size(), 1);
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    const int writesBefore = f.writes();
+
+    f.store->add(identifier, label, false);
+    QCOMPARE(f.store->zones().size(), appended ? 2 : 1);
+    QCOMPARE(spy.count(), appended ? 1 : 0);
+    QCOMPARE(f.writes() - writesBefore, appended ? 1 : 0);
+    if (appended) {
+        const SavedZone &added = f.store->zones().last();
+        QCOMPARE(added.identifier, identifier);
+        QCOMPARE(added.customLabel, label); // stored as given, untrimmed
+        QVERIFY(!added.isPinned);
+        QVERIFY(added.id != f.store->zones().first().id);
+    }
+    QCOMPARE(f.stored(), std::optional(f.store->zones()));
+}
+
+void TestZoneStore::rename_data()
+{
+    QTest::addColumn<std::optional<QString>>("text");
+    QTest::addColumn<std::optional<QString>>("expected");
+    QTest::newRow("trimmed") << std::optional<QString>(QStringLiteral("  Office "))
+                             << std::optional<QString>(QStringLiteral("Office"));
+    QTest::newRow("spaces only") << std::optional<QString>(QStringLiteral("   "))
+                                 << std::optional<QString>();
+    QTest::newRow("line breaks") << std::optional<QString>(QStringLiteral("\n\tHQ\r\n"))
+                                 << std::optional<QString>(QStringLiteral("HQ"));
+    QTest::newRow("empty") << std::optional<QString>(QString()) << std::optional<QString>();
+    QTest::newRow("none") << std::optional<QString>() << std::optional<QString>();
+}
+
+void TestZoneStore::rename()
+{
+    QFETCH(std::optional<QString>, text);
+    QFETCH(std::optional<QString>, expected);
+    Fixture f;
+    f.store->rename(f.id(1), QStringLiteral("Before"));
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    const int writesBefore = f.writes();
+
+    f.store->rename(f.id(1), text);
+    QCOMPARE(f.store->zones().at(1).customLabel, expected);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(f.writes() - writesBefore, 1);
+    QCOMPARE(f.stored(), std::optional(f.store->zones()));
+
+    // Renaming to the same nickname still announces and writes.
+    f.store->rename(f.id(1), text);
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(f.writes() - writesBefore, 2);
+}
+
+void TestZoneStore::togglePin()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->togglePin(f.id(2));
+    QVERIFY(f.store->zones().at(2).isPinned);
+    f.store->togglePin(f.id(0));
+    f.store->togglePin(f.id(2));
+    QVERIFY(!f.store->zones().at(2).isPinned);
+    QVERIFY(f.store->zones().at(0).isPinned);
+    QCOMPARE(spy.count(), 3);
+    QCOMPARE(f.writes(), 3);
+}
+
+void TestZoneStore::removeAlwaysAnnounces()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->remove(f.id(1));
+    QCOMPARE(f.store->zones(), f.pick({0, 2, 3}));
+    f.store->remove(QUuid::createUuid());
+    QCOMPARE(f.store->zones(), f.pick({0, 2, 3}));
+    QCOMPARE(spy.count(), 2);
+    QCOMPARE(f.writes(), 2);
+}
+
+void TestZoneStore::unknownIdIsIgnored()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->rename(QUuid::createUuid(), QStringLiteral("Nowhere"));
+    f.store->togglePin(QUuid::createUuid());
+    QCOMPARE(f.store->zones(), f.initial);
+    QCOMPARE(spy.count(), 0);
+    QCOMPARE(f.writes(), 0);
+}
+
+void TestZoneStore::move_data()
+{
+    QTest::addColumn<Ids>("offsets");
+    QTest::addColumn<int>("destination");
+    QTest::addColumn<Ids>("expected");
+    // Three zones a, b, c.
+    QTest::newRow("first down one") << Ids{0} << 2 << Ids{1, 0, 2};
+    QTest::newRow("last to top") << Ids{2} << 0 << Ids{2, 0, 1};
+    QTest::newRow("first to end") << Ids{0} << 3 << Ids{1, 2, 0};
+    QTest::newRow("in place") << Ids{1} << 1 << Ids{0, 1, 2};
+    QTest::newRow("just below itself") << Ids{1} << 2 << Ids{0, 1, 2};
+    QTest::newRow("two to top, in order") << Ids{2, 1} << 0 << Ids{1, 2, 0};
+    QTest::newRow("around the anchor") << Ids{0, 2} << 1 << Ids{0, 2, 1};
+}
+
+void TestZoneStore::move()
+{
+    QFETCH(Ids, offsets);
+    QFETCH(int, destination);
+    QFETCH(Ids, expected);
+    Fixture f(3);
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->move(offsets, destination);
+    QList<SavedZone> want;
+    for (int index : expected)
+        want.append(f.initial.at(index));
+    QCOMPARE(identifiersOf(f.store->zones()), identifiersOf(want));
+    QCOMPARE(f.store->zones(), want);
+    // An in-place change: announced and written even when nothing moved.
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(f.writes(), 1);
+}
+
+void TestZoneStore::moveZones_data()
+{
+    QTest::addColumn<Ids>("moving");
+    QTest::addColumn<std::optional<int>>("before");
+    QTest::addColumn<Ids>("expected");
+    QTest::addColumn<bool>("changes");
+    // Four zones a, b, c, d; index 9 names a zone that is not in the list.
+    QTest::newRow("c and a before b")
+        << Ids{2, 0} << std::optional<int>(1) << Ids{0, 2, 1, 3} << true;
+    QTest::newRow("a and c to the end")
+        << Ids{0, 2} << std::optional<int>() << Ids{1, 3, 0, 2} << true;
+    QTest::newRow("d to the top") << Ids{3} << std::optional<int>(0) << Ids{3, 0, 1, 2} << true;
+    QTest::newRow("unknown ids ignored")
+        << Ids{9, 3} << std::optional<int>(1) << Ids{0, 3, 1, 2} << true;
+    QTest::newRow("before itself") << Ids{1} << std::optional<int>(1) << Ids{0, 1, 2, 3} << false;
+    QTest::newRow("nothing to move") << Ids{} << std::optional<int>(1) << Ids{0, 1, 2, 3} << false;
+    QTest::newRow("anchor not in list")
+        << Ids{0} << std::optional<int>(9) << Ids{0, 1, 2, 3} << false;
+    QTest::newRow("only unknown ids") << Ids{9} << std::optional<int>() << Ids{0, 1, 2, 3} << false;
+    QTest::newRow("already there") << Ids{0} << std::optional<int>(1) << Ids{0, 1, 2, 3} << false;
+    QTest::newRow("last to end") << Ids{3} << std::optional<int>() << Ids{0, 1, 2, 3} << false;
+}
+
+void TestZoneStore::moveZones()
+{
+    QFETCH(Ids, moving);
+    QFETCH(std::optional<int>, before);
+    QFETCH(Ids, expected);
+    QFETCH(bool, changes);
+    Fixture f;
+    const QUuid stranger = QUuid::createUuid();
+    const auto idAt = [&](int index) { return index < 4 ? f.id(index) : stranger; };
+    QList<QUuid> ids;
+    for (int index : moving)
+        ids.append(idAt(index));
+    std::optional<QUuid> anchor;
+    if (before)
+        anchor = idAt(*before);
+
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->moveZones(ids, anchor);
+    QList<SavedZone> want;
+    for (int index : expected)
+        want.append(f.initial.at(index));
+    QCOMPARE(identifiersOf(f.store->zones()), identifiersOf(want));
+    QCOMPARE(spy.count(), changes ? 1 : 0);
+    QCOMPARE(f.writes(), changes ? 1 : 0);
+    QCOMPARE(f.stored(), std::optional(want));
+}
+
+void TestZoneStore::equalListWritesWithoutSignal()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::zonesChanged);
+    f.store->setZones(f.initial);
+    QCOMPARE(spy.count(), 0);
+    QCOMPARE(f.writes(), 1);
+
+    f.store->setZones(f.pick({1, 0, 2, 3}));
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(f.writes(), 2);
+}
+
+void TestZoneStore::equalFormatWritesWithoutSignal()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::formatChanged);
+    f.store->setFormat(MenuBarFormat::labelTime24);
+    QCOMPARE(spy.count(), 0);
+    QCOMPARE(f.preferences.writeCount(ZoneStore::formatKey), 1);
+    QCOMPARE(f.preferences.readText(ZoneStore::formatKey),
+             std::optional(QStringLiteral("labelTime24")));
+
+    f.store->setFormat(MenuBarFormat::labelDayTime24);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(f.preferences.readText(ZoneStore::formatKey),
+             std::optional(QStringLiteral("labelDayTime24")));
+}
+
+void TestZoneStore::pinnedZonesKeepOrder()
+{
+    Fixture f;
+    f.store->togglePin(f.id(3));
+    f.store->togglePin(f.id(1));
+    QCOMPARE(identifiersOf(f.store->pinnedZones()),
+             (QStringList{QStringLiteral("Asia/Tokyo"), QStringLiteral("Europe/London")}));
+}
+
+void TestZoneStore::writesNothingElse()
+{
+    MemoryPreferencesStore preferences;
+    preferences.writeText(QStringLiteral("someone.else"), QStringLiteral("theirs"));
+    ZoneStore store(preferences, testLookup());
+    store.add(QStringLiteral("Asia/Tokyo"));
+    store.setFormat(MenuBarFormat::timeOnly24);
+    store.remove(store.zones().first().id);
+    QStringList keys = preferences.keys();
+    keys.sort();
+    QCOMPARE(keys, (QStringList{QStringLiteral("someone.else"), ZoneStore::formatKey,
+                                ZoneStore::seededKey, ZoneStore::zonesKey}));
+    QCOMPARE(preferences.readText(QStringLiteral("someone.else")),
+             std::optional(QStringLiteral("theirs")));
+}
+
+void TestZoneStore::secondStoreSeesEveryChange()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    SettingsPreferencesStore preferences(file);
+    ZoneStore store(preferences, testLookup());
+
+    const auto check = [&](const char *step) {
+        SettingsPreferencesStore otherPreferences(file);
+        ZoneStore other(otherPreferences, testLookup());
+        QVERIFY2(other.zones() == store.zones(), step);
+        QVERIFY2(other.format() == store.format(), step);
+    };
+    check("seeded");
+    store.add(QStringLiteral("Asia/Tokyo"), QStringLiteral(" Tokyo office "), true);
+    check("add");
+    store.add(QStringLiteral("America/New_York"));
+    check("add another");
+    store.rename(store.zones().at(2).id, QStringLiteral("  NYC office"));
+    check("rename");
+    store.togglePin(store.zones().at(0).id);
+    check("toggle pin");
+    store.move({2}, 0);
+    check("move");
+    store.moveZones({store.zones().at(0).id}, std::nullopt);
+    check("move zones");
+    store.setFormat(MenuBarFormat::labelTime12);
+    check("format");
+    store.remove(store.zones().at(1).id);
+    check("remove");
+    store.setZones({});
+    check("cleared");
+}
+
+QTEST_GUILESS_MAIN(TestZoneStore)
+#include "tst_zonestore.moc"
