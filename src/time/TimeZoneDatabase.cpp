@@ -1,0 +1,160 @@
+#include "TimeZoneDatabase.h"
+
+#include "ZoneInfoIndex.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+QString zoneInfoDirectory()
+{
+    const QString dir = qEnvironmentVariable("TZDIR");
+    return dir.isEmpty() ? QStringLiteral("/usr/share/zoneinfo") : dir;
+}
+
+const ZoneInfoIndex &index()
+{
+    static const ZoneInfoIndex instance = ZoneInfoIndex::read(zoneInfoDirectory());
+    return instance;
+}
+
+// The zone name a TZif path stands for when it lies in the database's tree.
+QString nameForPath(const QString &path)
+{
+    if (path.isEmpty())
+        return {};
+    const QString root = QDir::cleanPath(zoneInfoDirectory()) + u'/';
+    QString name;
+    const QString cleaned = QDir::cleanPath(path);
+    if (cleaned.startsWith(root)) {
+        name = cleaned.mid(root.size());
+    } else {
+        // The tree itself may be reached through a symlink (/usr/share/zoneinfo
+        // is one on some systems), so compare the real paths as well.
+        const QString realRoot = QFileInfo(root).canonicalFilePath() + u'/';
+        const QString realPath = QFileInfo(path).canonicalFilePath();
+        if (realRoot.size() > 1 && realPath.startsWith(realRoot))
+            name = realPath.mid(realRoot.size());
+    }
+    // The same zones under other leap-second handling.
+    for (const QLatin1StringView prefix :
+         {QLatin1StringView("posix/"), QLatin1StringView("right/")}) {
+        if (name.startsWith(prefix))
+            name = name.mid(prefix.size());
+    }
+    return name;
+}
+
+// TZ without the ':' that POSIX allows in front of an implementation's own form.
+std::optional<QString> tzVariable()
+{
+    if (!qEnvironmentVariableIsSet("TZ"))
+        return std::nullopt;
+    QString value = qEnvironmentVariable("TZ");
+    if (value.startsWith(u':'))
+        value.remove(0, 1);
+    return value;
+}
+
+std::optional<QString> namedSystemZone()
+{
+    QString id = QString::fromUtf8(QTimeZone::systemTimeZoneId());
+    if (id.startsWith(u':'))
+        id.remove(0, 1);
+    if (id.startsWith(u'/'))
+        id = nameForPath(id);
+    if (TimeZoneDatabase::resolves(id))
+        return id;
+    const QString target = QFileInfo(QStringLiteral("/etc/localtime")).symLinkTarget();
+    id = nameForPath(target);
+    if (TimeZoneDatabase::resolves(id))
+        return id;
+    return std::nullopt;
+}
+
+} // namespace
+
+namespace TimeZoneDatabase {
+
+std::optional<QTimeZone> resolve(const QString &identifier)
+{
+    if (identifier.isEmpty() || !index().contains(identifier))
+        return std::nullopt;
+    QTimeZone zone(identifier.toUtf8());
+    if (!zone.isValid())
+        return std::nullopt;
+    return zone;
+}
+
+bool resolves(const QString &identifier)
+{
+    return resolve(identifier).has_value();
+}
+
+QTimeZone localZone()
+{
+    if (const std::optional<QString> tz = tzVariable()) {
+        // Like the C library: an empty or unreadable TZ means UTC, and a
+        // path names the TZif file to use.
+        if (tz->startsWith(u'/')) {
+            if (QDir::cleanPath(*tz) != u"/etc/localtime") {
+                if (const auto zone = resolve(nameForPath(*tz)))
+                    return *zone;
+                return QTimeZone::utc();
+            }
+        } else {
+            if (const auto zone = resolve(*tz))
+                return *zone;
+            // A POSIX rule such as "JST-9" is what the C library runs on,
+            // but Qt reads "UTC+05:00" as its own pseudo-zone with the
+            // opposite sign, so that form is not taken from it.
+            const bool qtOffsetForm = tz->startsWith(u"UTC+") || tz->startsWith(u"UTC-");
+            const QTimeZone rule(tz->toUtf8());
+            if (!qtOffsetForm && rule.isValid())
+                return rule;
+            return QTimeZone::utc();
+        }
+    }
+    if (const std::optional<QString> id = namedSystemZone()) {
+        if (const auto zone = resolve(*id))
+            return *zone;
+    }
+    const QTimeZone system = QTimeZone::systemTimeZone();
+    return system.isValid() ? system : QTimeZone::utc();
+}
+
+QString systemZoneId()
+{
+    return namedSystemZone().value_or(QStringLiteral("UTC"));
+}
+
+const QStringList &knownIdentifiers()
+{
+    static const QStringList identifiers = [] {
+        QStringList names;
+        for (const QString &zone : index().zones) {
+            // "Factory" is a placeholder zone, not a place.
+            if (zone != u"Factory" && resolves(zone))
+                names.append(zone);
+        }
+        // Links are left out as old spellings of listed zones, but these two
+        // are what people type when they look for universal time.
+        for (const QString &link : {QStringLiteral("UTC"), QStringLiteral("GMT")}) {
+            if (!names.contains(link) && resolves(link))
+                names.append(link);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }();
+    return identifiers;
+}
+
+TimeZoneLookup lookup()
+{
+    return TimeZoneLookup{&resolves, &systemZoneId};
+}
+
+} // namespace TimeZoneDatabase

@@ -1,0 +1,79 @@
+#include "ZoneInfoIndex.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+bool readTzdataZi(const QString &path, ZoneInfoIndex &index)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QSet<QString> zones;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        // Only "Z name ..." and "L target name" matter; rule lines and
+        // zone continuation lines start with other letters or blanks.
+        if (line.size() < 3 || line.at(1) != ' ' || (line.at(0) != 'Z' && line.at(0) != 'L'))
+            continue;
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (line.at(0) == 'Z' && fields.size() >= 2)
+            zones.insert(QString::fromUtf8(fields.at(1)));
+        else if (line.at(0) == 'L' && fields.size() >= 3)
+            index.links.insert(QString::fromUtf8(fields.at(2)));
+    }
+    index.zones = QStringList(zones.cbegin(), zones.cend());
+    return true;
+}
+
+bool isTzif(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.read(4) == "TZif";
+}
+
+void walk(const QDir &root, const QString &prefix, QSet<QString> &zones, QSet<QString> &links)
+{
+    // Directory symlinks are not followed, which keeps loops out.
+    const QFileInfoList entries =
+        root.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot | QDir::Hidden);
+    for (const QFileInfo &entry : entries) {
+        const QString name = prefix + entry.fileName();
+        if (entry.isDir()) {
+            // posix/ and right/ repeat the whole tree under other rules.
+            if (entry.isSymLink() || name == u"posix" || name == u"right")
+                continue;
+            walk(QDir(entry.filePath()), name + u'/', zones, links);
+            continue;
+        }
+        if (name == u"localtime" || name == u"posixrules" || name.endsWith(u".tab") ||
+            name.endsWith(u".zi") || !isTzif(entry.filePath()))
+            continue;
+        (entry.isSymLink() ? links : zones).insert(name);
+    }
+}
+
+} // namespace
+
+bool ZoneInfoIndex::contains(const QString &name) const
+{
+    return links.contains(name) || std::binary_search(zones.cbegin(), zones.cend(), name);
+}
+
+ZoneInfoIndex ZoneInfoIndex::read(const QString &directory)
+{
+    ZoneInfoIndex index;
+    if (!readTzdataZi(directory + u"/tzdata.zi", index)) {
+        QSet<QString> zones;
+        walk(QDir(directory), QString(), zones, index.links);
+        index.zones = QStringList(zones.cbegin(), zones.cend());
+    }
+    // QString's operator< compares UTF-16 code units; tz names are ASCII,
+    // so that is code-point order.
+    std::sort(index.zones.begin(), index.zones.end());
+    return index;
+}

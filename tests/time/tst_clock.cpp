@@ -1,0 +1,252 @@
+#include "Clock.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// Records every arming; the test fires it by hand.
+class FakeTimer final : public ClockTimer
+{
+public:
+    struct Arming
+    {
+        std::chrono::milliseconds delay;
+        bool repeating;
+    };
+
+    void start(std::chrono::milliseconds delay, bool repeating,
+               std::function<void()> onTimeout) override
+    {
+        armings.append({delay, repeating});
+        m_onTimeout = std::move(onTimeout);
+        armed = true;
+    }
+    void stop() override { armed = false; }
+    void fire()
+    {
+        QVERIFY(armed);
+        const auto onTimeout = m_onTimeout;
+        if (!armings.constLast().repeating)
+            armed = false;
+        onTimeout();
+    }
+
+    QList<Arming> armings;
+    bool armed = false;
+
+private:
+    std::function<void()> m_onTimeout;
+};
+
+QDateTime at(const QString &time)
+{
+    return QDateTime(QDate(2026, 3, 2), QTime::fromString(time, u"HH:mm:ss.zzz"), QTimeZone::utc());
+}
+
+struct Fixture
+{
+    explicit Fixture(const QString &start, const QTimeZone &zone = QTimeZone::utc())
+        : time(at(start))
+    {
+        auto fake = std::make_unique<FakeTimer>();
+        timer = fake.get();
+        clock = std::make_unique<Clock>([this] { return time; }, [zone] { return zone; },
+                                        std::move(fake));
+    }
+    FakeTimer::Arming last() const { return timer->armings.constLast(); }
+
+    QDateTime time;
+    FakeTimer *timer = nullptr;
+    std::unique_ptr<Clock> clock;
+};
+
+} // namespace
+
+class TestClock final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstDelay_data();
+    void firstDelay();
+    void constructionWaitsForTheBoundary();
+    void oneShotThenRepeating();
+    void earlyTickRealigns();
+    void lateTickRealigns();
+    void sameShowsSecondsChangesNothing();
+    void switchingToSecondsRearms();
+    void realignTakesTheTimeAndRearms_data();
+    void realignTakesTheTimeAndRearms();
+    void nowAnnouncesOnlyChanges();
+};
+
+void TestClock::firstDelay_data()
+{
+    QTest::addColumn<QString>("time");
+    QTest::addColumn<bool>("seconds");
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<int>("expectedMs");
+    QTest::newRow("floor near the minute") << "12:00:59.990" << false << QByteArray("UTC") << 50;
+    QTest::newRow("half past") << "12:00:30.250" << false << QByteArray("UTC") << 29750;
+    QTest::newRow("on the minute") << "12:00:00.000" << false << QByteArray("UTC") << 60000;
+    QTest::newRow("just after") << "12:00:00.001" << false << QByteArray("UTC") << 59999;
+    QTest::newRow("quarter-hour zone")
+        << "12:00:30.250" << false << QByteArray("Asia/Kathmandu") << 29750;
+    QTest::newRow("second floor") << "12:00:30.995" << true << QByteArray("UTC") << 10;
+    QTest::newRow("second quarter") << "12:00:30.250" << true << QByteArray("UTC") << 750;
+    QTest::newRow("on the second") << "12:00:30.000" << true << QByteArray("UTC") << 1000;
+}
+
+void TestClock::firstDelay()
+{
+    QFETCH(QString, time);
+    QFETCH(bool, seconds);
+    QFETCH(QByteArray, zone);
+    QFETCH(int, expectedMs);
+    const QTimeZone timeZone(zone);
+    QVERIFY(timeZone.isValid());
+    QCOMPARE(Clock::firstDelay(at(time), seconds, timeZone), std::chrono::milliseconds(expectedMs));
+}
+
+void TestClock::constructionWaitsForTheBoundary()
+{
+    Fixture f(QStringLiteral("12:00:30.250"));
+    QCOMPARE(f.clock->now(), at(QStringLiteral("12:00:30.250")));
+    QVERIFY(!f.clock->showsSeconds());
+    QCOMPARE(f.timer->armings.size(), 1);
+    QCOMPARE(f.last().delay, 29750ms);
+    QVERIFY(!f.last().repeating);
+}
+
+void TestClock::oneShotThenRepeating()
+{
+    Fixture f(QStringLiteral("12:00:59.990"));
+    QCOMPARE(f.last().delay, 50ms);
+    QSignalSpy spy(f.clock.get(), &Clock::nowChanged);
+
+    f.time = at(QStringLiteral("12:01:00.041"));
+    f.timer->fire();
+    QCOMPARE(f.clock->now(), f.time);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(f.timer->armings.size(), 2);
+    QCOMPARE(f.last().delay, 60000ms);
+    QVERIFY(f.last().repeating);
+
+    // Further ticks keep the repeating timer: nothing is armed again.
+    for (int minute = 2; minute < 5; ++minute) {
+        f.time = at(QStringLiteral("12:0%1:00.043").arg(minute));
+        f.timer->fire();
+        QCOMPARE(f.clock->now(), f.time);
+    }
+    QCOMPARE(f.timer->armings.size(), 2);
+    QCOMPARE(spy.count(), 4);
+}
+
+void TestClock::earlyTickRealigns()
+{
+    Fixture f(QStringLiteral("12:00:30.000"));
+    f.time = at(QStringLiteral("12:01:00.010"));
+    f.timer->fire();
+    // The monotonic timer drifted: the tick lands a little before 12:02.
+    f.time = at(QStringLiteral("12:01:59.980"));
+    f.timer->fire();
+    QCOMPARE(f.timer->armings.size(), 3);
+    QCOMPARE(f.last().delay, 50ms);
+    QVERIFY(!f.last().repeating);
+    f.time = at(QStringLiteral("12:02:00.031"));
+    f.timer->fire();
+    QCOMPARE(f.clock->now(), f.time);
+    QVERIFY(f.last().repeating);
+}
+
+void TestClock::lateTickRealigns()
+{
+    Fixture f(QStringLiteral("12:00:30.000"));
+    f.time = at(QStringLiteral("12:01:00.010"));
+    f.timer->fire();
+    // Asleep without notice: the next tick comes minutes late, mid-minute.
+    f.time = at(QStringLiteral("12:07:20.500"));
+    f.timer->fire();
+    QCOMPARE(f.clock->now(), f.time);
+    QCOMPARE(f.last().delay, 39500ms);
+    QVERIFY(!f.last().repeating);
+}
+
+void TestClock::sameShowsSecondsChangesNothing()
+{
+    Fixture f(QStringLiteral("12:00:30.250"));
+    QSignalSpy nowSpy(f.clock.get(), &Clock::nowChanged);
+    QSignalSpy secondsSpy(f.clock.get(), &Clock::showsSecondsChanged);
+    f.time = at(QStringLiteral("12:00:40.000"));
+    f.clock->setShowsSeconds(false);
+    QCOMPARE(f.timer->armings.size(), 1);
+    QCOMPARE(f.clock->now(), at(QStringLiteral("12:00:30.250")));
+    QCOMPARE(nowSpy.count(), 0);
+    QCOMPARE(secondsSpy.count(), 0);
+}
+
+void TestClock::switchingToSecondsRearms()
+{
+    Fixture f(QStringLiteral("12:00:30.250"));
+    QSignalSpy secondsSpy(f.clock.get(), &Clock::showsSecondsChanged);
+    f.time = at(QStringLiteral("12:00:41.995"));
+    f.clock->setShowsSeconds(true);
+    QCOMPARE(secondsSpy.count(), 1);
+    QCOMPARE(f.clock->now(), f.time);
+    QCOMPARE(f.last().delay, 10ms);
+    QVERIFY(!f.last().repeating);
+
+    f.time = at(QStringLiteral("12:00:42.012"));
+    f.timer->fire();
+    QCOMPARE(f.last().delay, 1000ms);
+    QVERIFY(f.last().repeating);
+
+    f.time = at(QStringLiteral("12:00:42.500"));
+    f.clock->setShowsSeconds(false);
+    QCOMPARE(f.last().delay, 17500ms);
+    QVERIFY(!f.last().repeating);
+}
+
+void TestClock::realignTakesTheTimeAndRearms_data()
+{
+    QTest::addColumn<bool>("seconds");
+    QTest::addColumn<QString>("newTime");
+    QTest::addColumn<int>("expectedMs");
+    QTest::newRow("clock set back") << false << "11:15:10.000" << 50000;
+    QTest::newRow("woke later") << false << "18:42:59.999" << 50;
+    QTest::newRow("seconds") << true << "09:00:00.600" << 400;
+}
+
+void TestClock::realignTakesTheTimeAndRearms()
+{
+    QFETCH(bool, seconds);
+    QFETCH(QString, newTime);
+    QFETCH(int, expectedMs);
+    Fixture f(QStringLiteral("12:00:30.250"));
+    f.clock->setShowsSeconds(seconds);
+    f.time = at(seconds ? QStringLiteral("12:00:31.010") : QStringLiteral("12:01:00.010"));
+    f.timer->fire();
+    QVERIFY(f.last().repeating);
+
+    f.time = at(newTime);
+    f.clock->realign();
+    QCOMPARE(f.clock->now(), f.time);
+    QCOMPARE(f.last().delay, std::chrono::milliseconds(expectedMs));
+    QVERIFY(!f.last().repeating);
+}
+
+void TestClock::nowAnnouncesOnlyChanges()
+{
+    Fixture f(QStringLiteral("12:00:30.250"));
+    QSignalSpy spy(f.clock.get(), &Clock::nowChanged);
+    f.clock->setNow(at(QStringLiteral("12:00:30.250")));
+    QCOMPARE(spy.count(), 0);
+    f.clock->setNow(at(QStringLiteral("12:00:30.251")));
+    QCOMPARE(spy.count(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestClock)
+#include "tst_clock.moc"

@@ -1,0 +1,106 @@
+#include "ZoneInfoIndex.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+bool writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+// Enough of a TZif header for the magic check; the index never parses further.
+const QByteArray tzif = QByteArrayLiteral("TZif2") + QByteArray(39, '\0');
+
+} // namespace
+
+class TestZoneInfoIndex : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsZonesAndLinksFromTzdataZi();
+    void walksTzifFilesWithoutTzdataZi();
+    void tzdataZiWinsOverTheTree();
+    void missingDirectoryIsEmpty();
+};
+
+void TestZoneInfoIndex::readsZonesAndLinksFromTzdataZi()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QVERIFY(writeFile(dir.filePath("tzdata.zi"), "# version test\n"
+                                                 "R U 1918 1919 - Mar lastSu 2 1 D\n"
+                                                 "Z Europe/Kyiv 2:2:4 - LMT 1880\n"
+                                                 "2 E EE%sT\n"
+                                                 "Z America/New_York -4:56:2 - LMT 1883 N 18 17u\n"
+                                                 "-5 U E%sT\n"
+                                                 "L Europe/Kyiv Europe/Kiev\n"
+                                                 "L Etc/UTC UTC\n"
+                                                 "Z Etc/UTC 0 - UTC\n"
+                                                 "Z Factory 0 - -00\n"
+                                                 "Zebra not-a-zone-line\n"));
+
+    const ZoneInfoIndex index = ZoneInfoIndex::read(dir.path());
+    QCOMPARE(index.zones, QStringList({"America/New_York", "Etc/UTC", "Europe/Kyiv", "Factory"}));
+    QCOMPARE(index.links, QSet<QString>({"Europe/Kiev", "UTC"}));
+    QVERIFY(index.contains("Europe/Kiev"));
+    QVERIFY(index.contains("America/New_York"));
+    QVERIFY(!index.contains("U"));
+    QVERIFY(!index.contains("-5"));
+    QVERIFY(!index.contains("not-a-zone-line"));
+    QVERIFY(!index.contains("europe/kyiv"));
+}
+
+void TestZoneInfoIndex::walksTzifFilesWithoutTzdataZi()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QDir root(dir.path());
+    for (const char *sub : {"Europe", "Etc", "posix/Europe", "right"})
+        QVERIFY(root.mkpath(sub));
+    QVERIFY(writeFile(dir.filePath("Europe/Paris"), tzif));
+    QVERIFY(writeFile(dir.filePath("Etc/UTC"), tzif));
+    QVERIFY(writeFile(dir.filePath("posix/Europe/Paris"), tzif));
+    QVERIFY(writeFile(dir.filePath("right/UTC"), tzif));
+    QVERIFY(writeFile(dir.filePath("posixrules"), tzif));
+    QVERIFY(writeFile(dir.filePath("zone.tab"), "FR\t+4852+00220\tEurope/Paris\n"));
+    QVERIFY(writeFile(dir.filePath("leapseconds"), "Leap 1972 Jun 30 23:59:60 + S\n"));
+    QVERIFY(writeFile(dir.filePath("Europe/Notes"), "not a zone\n"));
+    QVERIFY(QFile::link("Paris", dir.filePath("Europe/Kiev")));
+    QVERIFY(QFile::link("Etc/UTC", dir.filePath("UTC")));
+    QVERIFY(QFile::link("Etc/UTC", dir.filePath("localtime")));
+    // A directory link back to the root must not send the walk round in circles.
+    QVERIFY(QFile::link(".", dir.filePath("Loop")));
+
+    const ZoneInfoIndex index = ZoneInfoIndex::read(dir.path());
+    QCOMPARE(index.zones, QStringList({"Etc/UTC", "Europe/Paris"}));
+    QCOMPARE(index.links, QSet<QString>({"Europe/Kiev", "UTC"}));
+}
+
+void TestZoneInfoIndex::tzdataZiWinsOverTheTree()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QVERIFY(writeFile(dir.filePath("tzdata.zi"), "Z Asia/Tokyo 9:18:59 - LMT 1887 D 31 15u\n"));
+    QVERIFY(writeFile(dir.filePath("Stray"), tzif));
+
+    const ZoneInfoIndex index = ZoneInfoIndex::read(dir.path());
+    QCOMPARE(index.zones, QStringList({"Asia/Tokyo"}));
+    QVERIFY(!index.contains("Stray"));
+}
+
+void TestZoneInfoIndex::missingDirectoryIsEmpty()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const ZoneInfoIndex index = ZoneInfoIndex::read(dir.filePath("absent"));
+    QVERIFY(index.isEmpty());
+    QVERIFY(!index.contains(QString()));
+}
+
+QTEST_GUILESS_MAIN(TestZoneInfoIndex)
+#include "tst_zoneinfoindex.moc"
