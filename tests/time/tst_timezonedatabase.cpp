@@ -283,7 +283,8 @@ void TestTimeZoneDatabase::systemZoneIdIsAlwaysARealName()
 {
     // A rule or a pseudo-id in TZ names no zone; the answer then comes
     // from /etc/localtime or is "UTC", but is never the TZ text itself.
-    for (const QByteArray &tz : {QByteArray("JST-9"), QByteArray("UTC+05:00"), QByteArray("")}) {
+    for (const char *rule : {"JST-9", "UTC+05:00", ""}) {
+        const QByteArray tz(rule);
         setTz(tz);
         const QString id = TimeZoneDatabase::systemZoneId();
         QVERIFY2(TimeZoneDatabase::resolves(id), qPrintable(id));

@@ -1,0 +1,26 @@
+#include "ZoneSearchResult.h"
+
+#include "CityEntry.h"
+#include "SavedZone.h"
+
+ZoneSearchResult ZoneSearchResult::fromCity(const CityEntry &city)
+{
+    return {city.id(), city.name, city.country % u" \u00B7 " % city.identifier, city.identifier};
+}
+
+ZoneSearchResult ZoneSearchResult::fromIdentifier(const QString &identifier)
+{
+    // The "iana:" prefix keeps these ids apart from city ids, which always
+    // contain two "|".
+    return {u"iana:" % identifier, cityPart(identifier), identifier, identifier};
+}
+
+size_t qHash(const ZoneSearchResult &result, size_t seed) noexcept
+{
+    QtPrivate::QHashCombine combine;
+    seed = combine(seed, result.id);
+    seed = combine(seed, result.title);
+    seed = combine(seed, result.subtitle);
+    seed = combine(seed, result.identifier);
+    return seed;
+}

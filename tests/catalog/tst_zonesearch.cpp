@@ -1,0 +1,412 @@
+#include "CityEntry.h"
+#include "FoldedCities.h"
+#include "FoldedIdentifiers.h"
+#include "ZoneSearch.h"
+
+#include <QLocale>
+#include <QTest>
+
+using CityList = QList<CityEntry>;
+Q_DECLARE_METATYPE(CityEntry)
+
+namespace {
+
+// Runs both search versions; they must always agree.
+QList<ZoneSearchResult> searchBoth(const QString &query, const CityList &cities,
+                                   const QStringList &identifiers)
+{
+    const QList<ZoneSearchResult> plain = ZoneSearch::search(query, cities, identifiers);
+    const QList<ZoneSearchResult> fast =
+        ZoneSearch::search(query, FoldedCities(cities), FoldedIdentifiers(identifiers));
+    if (plain != fast)
+        qWarning() << "folded search differs for" << query;
+    return plain == fast ? plain : QList<ZoneSearchResult>{{"versions differ", {}, {}, {}}};
+}
+
+QStringList resultIds(const QList<ZoneSearchResult> &results)
+{
+    QStringList ids;
+    for (const ZoneSearchResult &result : results)
+        ids.append(result.id);
+    return ids;
+}
+
+QString u16(const char16_t *text)
+{
+    return QString::fromUtf16(text);
+}
+
+const CityEntry stockholm{"Stockholm", "Europe/Stockholm", "Sweden"};
+const CityEntry goteborg{"Göteborg", "Europe/Stockholm", "Sweden"};
+const CityEntry malmo{"Malmö", "Europe/Stockholm", "Sweden"};
+const CityEntry newYork{"New York", "America/New_York", "United States"};
+const CityEntry philadelphia{"Philadelphia", "America/New_York", "United States"};
+const CityEntry boston{"Boston", "America/New_York", "United States"};
+const CityEntry losAngeles{"Los Angeles", "America/Los_Angeles", "United States"};
+const CityEntry portlandOregon{"Portland", "America/Los_Angeles", "United States"};
+const CityEntry portlandMaine{"Portland", "America/New_York", "United States"};
+const CityEntry rio{"Rio de Janeiro", "America/Sao_Paulo", "Brazil"};
+const CityEntry americana{"Americana", "America/Sao_Paulo", "Brazil"};
+const CityEntry paris{"Paris", "Europe/Paris", "France"};
+const CityEntry oslo{"Oslo", "Europe/Oslo", "Norway"};
+const CityEntry cordobaAr{"Córdoba", "America/Argentina/Cordoba", "Argentina"};
+const CityEntry cordobaEs{"Córdoba", "Europe/Madrid", "Spain"};
+
+// Cities "<prefix> 01", "<prefix> 02", ... each in a zone of its own.
+CityList numberedCities(const QString &prefix, int count)
+{
+    CityList cities;
+    for (int i = 1; i <= count; ++i) {
+        const QString number = QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0'));
+        cities.append(
+            {prefix + u' ' + number, u"Zone/" % prefix % number, QStringLiteral("Nowhere")});
+    }
+    return cities;
+}
+
+QStringList numberedIdentifiers(const QString &prefix, int count)
+{
+    QStringList identifiers;
+    for (int i = 1; i <= count; ++i)
+        identifiers.append(u"Area/" % prefix %
+                           QStringLiteral("_%1").arg(i, 2, 10, QLatin1Char('0')));
+    return identifiers;
+}
+
+} // namespace
+
+class TestZoneSearch final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textMatching_data();
+    void textMatching();
+    void localeIndependent_data();
+    void localeIndependent();
+    void blankQuery_data();
+    void blankQuery();
+    void listing_data();
+    void listing();
+    void cap_data();
+    void cap();
+    void resultContent();
+};
+
+void TestZoneSearch::textMatching_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("matches");
+
+    QTest::newRow("middle of a word") << "ckh"
+                                      << "Stockholm" << true;
+    QTest::newRow("upper-case query") << "STOCK"
+                                      << "Stockholm" << true;
+    QTest::newRow("upper-case text") << "stock"
+                                     << "STOCKHOLM" << true;
+    QTest::newRow("longer than the text") << "stockholms"
+                                          << "Stockholm" << false;
+    QTest::newRow("no prefix needed") << "holm"
+                                      << "Stockholm" << true;
+
+    // Canonical equivalence, both ways.
+    QTest::newRow("precomposed query, decomposed text")
+        << u16(u"qu\u00e9") << u16(u"Que\u0301bec") << true;
+    QTest::newRow("decomposed query, precomposed text")
+        << u16(u"que\u0301") << u16(u"Qu\u00e9bec") << true;
+    QTest::newRow("decomposed upper-case query")
+        << u16(u"QUE\u0301") << u16(u"Qu\u00e9bec") << true;
+    QTest::newRow("marks typed out of order")
+        << u16(u"no\u0302\u0323i") << u16(u"H\u00e0 N\u1ed9i") << true;
+
+    // A match never takes a base letter without its marks.
+    QTest::newRow("a does not match ã") << "sa"
+                                        << "São Paulo" << false;
+    QTest::newRow("ã does not match a") << "são"
+                                        << "Sao Paulo" << false;
+    QTest::newRow("ã matches ã") << "são"
+                                 << "São Paulo" << true;
+    QTest::newRow("letter before ã") << "s"
+                                     << "São" << true;
+    QTest::newRow("letter after ã") << "o p"
+                                    << "São Paulo" << true;
+    QTest::newRow("e against decomposed é") << "quebec" << u16(u"Que\u0301bec") << false;
+    QTest::newRow("ô against ộ") << u16(u"n\u00f4") << u16(u"H\u00e0 N\u1ed9i") << false;
+    QTest::newRow("ç then ã") << "maç"
+                              << "Maçã" << true;
+    QTest::newRow("c of ç") << "mac"
+                            << "Maçã" << false;
+    QTest::newRow("letter before ç") << "ma"
+                                     << "Maçã" << true;
+    QTest::newRow("spacing vowel sign")
+        << u16(u"\u0926") << u16(u"\u0926\u093f\u0932\u094d\u0932\u0940") << false;
+    QTest::newRow("letter before independent vowel")
+        << u16(u"\u0928") << u16(u"\u0928\u0908") << true;
+    QTest::newRow("hangul syllable") << u16(u"\uc11c") << u16(u"\uc11c\uc6b8") << true;
+    QTest::newRow("hangul syllable without final")
+        << u16(u"\uc6b0") << u16(u"\uc11c\uc6b8") << false;
+    QTest::newRow("hangul decomposed query")
+        << u16(u"\u110b\u116e\u11af") << u16(u"\uc11c\uc6b8") << true;
+
+    // Beyond the Basic Multilingual Plane.
+    QTest::newRow("mark outside the BMP") << "a" << u16(u"a\U000101FD") << false;
+    QTest::newRow("letter outside the BMP") << u16(u"\U0001D400") << u16(u"x\U0001D400y") << true;
+    QTest::newRow("half a surrogate pair") << QString(QChar(0xD835)) << u16(u"\U0001D400") << false;
+
+    // A needle that starts with a mark needs a character that starts with it.
+    QTest::newRow("lone mark inside a letter") << u16(u"\u0301") << u16(u"Qu\u00e9bec") << false;
+    QTest::newRow("lone mark after a letter") << u16(u"\u0301b") << u16(u"Qu\u00e9bec") << false;
+    QTest::newRow("lone mark as text") << u16(u"\u0301") << u16(u"\u0301") << true;
+
+    // No diacritic or width folding.
+    QTest::newRow("no diacritic folding") << "zurich"
+                                          << "Zürich" << false;
+    QTest::newRow("upper-case umlaut") << "zür"
+                                       << "ZÜRICH" << true;
+    QTest::newRow("full-width query") << u16(u"\uff54\uff4f\uff4b\uff59\uff4f") << "Tokyo" << false;
+    QTest::newRow("full-width text") << "tokyo" << u16(u"\uff34\uff2f\uff2b\uff39\uff2f") << false;
+    QTest::newRow("full-width both")
+        << u16(u"\uff54\uff4f\uff4b\uff59\uff4f") << u16(u"\uff34\uff2f\uff2b\uff39\uff2f") << true;
+    QTest::newRow("ß is not ss") << "strass"
+                                 << "Straßburg" << false;
+    QTest::newRow("capital sharp s") << u16(u"STRA\u1e9e") << "Straßburg" << true;
+    QTest::newRow("greek with tonos")
+        << u16(u"\u0391\u0398\u0389\u039d\u0391") << u16(u"\u0391\u03b8\u03ae\u03bd\u03b1") << true;
+    QTest::newRow("polish capitals")
+        << u16(u"\u0141\u00d3D\u0179") << u16(u"\u0141\u00f3d\u017a") << true;
+
+    // Separators are part of the text.
+    QTest::newRow("space is not underscore") << "new york"
+                                             << "America/New_York" << false;
+    QTest::newRow("underscore") << "new_york"
+                                << "America/New_York" << true;
+    QTest::newRow("slash") << "e/st"
+                           << "Europe/Stockholm" << true;
+    QTest::newRow("inner spaces kept") << "new  york"
+                                       << "New York" << false;
+}
+
+void TestZoneSearch::textMatching()
+{
+    QFETCH(QString, query);
+    QFETCH(QString, text);
+    QFETCH(bool, matches);
+
+    // The same rule for every searched field, in both passes.
+    const qsizetype expected = matches ? 1 : 0;
+    QCOMPARE(searchBoth(query, {{text, {}, {}}}, {}).size(), expected);
+    QCOMPARE(searchBoth(query, {{{}, {}, text}}, {}).size(), expected);
+    QCOMPARE(searchBoth(query, {{{}, text, {}}}, {}).size(), expected);
+    QCOMPARE(searchBoth(query, {}, {text}).size(), expected);
+}
+
+void TestZoneSearch::localeIndependent_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("I is i") << "ISTANBUL"
+                            << "Istanbul" << true;
+    QTest::newRow("I is not dotless i") << "I" << u16(u"\u0131hlara") << false;
+    QTest::newRow("dotted capital keeps its dot") << u16(u"\u0130ZM") << u16(u"\u0130zmir") << true;
+    QTest::newRow("dotted capital is i and a dot")
+        << u16(u"i\u0307zmir") << u16(u"\u0130zmir") << true;
+    QTest::newRow("dotted capital is not plain i") << "izmir" << u16(u"\u0130zmir") << false;
+    QTest::newRow("dotless i is not I") << u16(u"\u0131") << "Istanbul" << false;
+}
+
+void TestZoneSearch::localeIndependent()
+{
+    QFETCH(QString, query);
+    QFETCH(QString, text);
+    QFETCH(bool, matches);
+
+    const QLocale previous;
+    for (const QLocale &locale :
+         {QLocale(QLocale::Turkish, QLocale::Turkey), QLocale(QLocale::Azerbaijani),
+          QLocale(QLocale::German, QLocale::Germany), QLocale::c()}) {
+        QLocale::setDefault(locale);
+        const qsizetype found = searchBoth(query, {{text, {}, {}}}, {}).size();
+        QLocale::setDefault(previous);
+        QCOMPARE(found, matches ? 1 : 0);
+    }
+}
+
+void TestZoneSearch::blankQuery_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("spaces") << "   ";
+    QTest::newRow("tabs and line breaks") << "\t\n\r\v\f";
+    QTest::newRow("unicode spaces") << u16(u"\u00a0\u2003\u3000");
+    QTest::newRow("unicode line breaks") << u16(u"\u0085\u2028\u2029");
+}
+
+void TestZoneSearch::blankQuery()
+{
+    QFETCH(QString, query);
+    // Sources in which every text contains a space, so an untrimmed blank
+    // query would find them.
+    const CityList cities{newYork, losAngeles, {"\t\n", "Etc/ \u2003", "\u0085 \u2028"}};
+    const QStringList identifiers{"With Space", "\t", QStringLiteral("\u3000")};
+    QCOMPARE(searchBoth(query, cities, identifiers), QList<ZoneSearchResult>{});
+}
+
+void TestZoneSearch::listing_data()
+{
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<CityList>("cities");
+    QTest::addColumn<QStringList>("identifiers");
+    QTest::addColumn<QStringList>("expected");
+
+    const QStringList zones{"America/Los_Angeles", "America/New_York", "America/Sao_Paulo",
+                            "America/Toronto",     "Europe/Oslo",      "Europe/Paris",
+                            "Europe/Stockholm"};
+
+    QTest::newRow("trimmed and lower-cased")
+        << "  STOCK\n"
+        << CityList{stockholm, paris} << zones << QStringList{stockholm.id()};
+    QTest::newRow("trimmed of unicode spaces")
+        << u16(u"\u2003stockholm\u2029") << CityList{stockholm} << QStringList{}
+        << QStringList{stockholm.id()};
+
+    // A country or identifier hit lists one city per zone.
+    QTest::newRow("country hit, one zone")
+        << "sweden" << CityList{stockholm, goteborg, malmo} << zones << QStringList{stockholm.id()};
+    QTest::newRow("country hit, first of each zone")
+        << "united" << CityList{philadelphia, newYork, portlandOregon, losAngeles, boston} << zones
+        << QStringList{philadelphia.id(), portlandOregon.id()};
+    QTest::newRow("identifier hit, one zone")
+        << "new_york" << CityList{boston, newYork, philadelphia} << zones
+        << QStringList{boston.id()};
+    QTest::newRow("identifier hit mixes with zones")
+        << "america" << CityList{newYork, philadelphia, losAngeles, boston} << zones
+        << QStringList{newYork.id(), losAngeles.id(), "iana:America/Sao_Paulo",
+                       "iana:America/Toronto"};
+
+    // A name hit is listed even when its zone already is.
+    QTest::newRow("name hit after a zone hit")
+        << "america" << CityList{rio, americana, newYork} << zones
+        << QStringList{rio.id(), americana.id(), newYork.id(), "iana:America/Los_Angeles",
+                       "iana:America/Toronto"};
+    QTest::newRow("same name, same zone")
+        << "portland" << CityList{portlandMaine, newYork, portlandMaine} << zones
+        << QStringList{portlandMaine.id(), portlandMaine.id()};
+    QTest::newRow("same name, two zones")
+        << "port" << CityList{portlandOregon, portlandMaine} << zones
+        << QStringList{portlandOregon.id(), portlandMaine.id()};
+    QTest::newRow("same name, two countries")
+        << "córdoba" << CityList{cordobaAr, cordobaEs} << QStringList{}
+        << QStringList{cordobaAr.id(), cordobaEs.id()};
+    QTest::newRow("name hit then country hit, same zone")
+        << "o"
+        << CityList{oslo,
+                    {"Bergen", "Europe/Oslo", "Norway"},
+                    {"Trondheim", "Europe/Oslo", "Norway"}}
+        << QStringList{} << QStringList{oslo.id(), "Trondheim|Europe/Oslo|Norway"};
+
+    // New York and new_york.
+    QTest::newRow("new york is a name")
+        << "new york" << CityList{boston, newYork} << zones << QStringList{newYork.id()};
+    QTest::newRow("new york is no identifier")
+        << "new york" << CityList{} << zones << QStringList{};
+    QTest::newRow("new_york is an identifier")
+        << "new_york" << CityList{} << zones << QStringList{"iana:America/New_York"};
+
+    // Bare identifiers come after every city, once, and not for a listed zone.
+    QTest::newRow("listed zone not repeated")
+        << "stockholm" << CityList{stockholm} << zones << QStringList{stockholm.id()};
+    QTest::newRow("bare after cities")
+        << "europe" << CityList{paris, stockholm} << zones
+        << QStringList{paris.id(), stockholm.id(), "iana:Europe/Oslo"};
+    QTest::newRow("identifier order kept")
+        << "europe" << CityList{} << QStringList{"Europe/Paris", "Europe/Oslo"}
+        << QStringList{"iana:Europe/Paris", "iana:Europe/Oslo"};
+    QTest::newRow("repeated identifier once")
+        << "oslo" << CityList{} << QStringList{"Europe/Oslo", "Europe/Oslo"}
+        << QStringList{"iana:Europe/Oslo"};
+    QTest::newRow("listed zone compared exactly")
+        << "stockholm" << CityList{{"Stockholm", "europe/stockholm", "Sweden"}} << zones
+        << QStringList{"Stockholm|europe/stockholm|Sweden", "iana:Europe/Stockholm"};
+    // No ranking: source order only.
+    QTest::newRow("no prefix preference")
+        << "os" << CityList{boston, oslo, losAngeles} << QStringList{}
+        << QStringList{boston.id(), oslo.id(), losAngeles.id()};
+    QTest::newRow("empty catalogue")
+        << "oslo" << CityList{} << zones << QStringList{"iana:Europe/Oslo"};
+    QTest::newRow("empty sources") << "oslo" << CityList{} << QStringList{} << QStringList{};
+    QTest::newRow("nothing matches")
+        << "zzzz" << CityList{stockholm, newYork} << zones << QStringList{};
+}
+
+void TestZoneSearch::listing()
+{
+    QFETCH(QString, query);
+    QFETCH(CityList, cities);
+    QFETCH(QStringList, identifiers);
+    QFETCH(QStringList, expected);
+    QCOMPARE(resultIds(searchBoth(query, cities, identifiers)), expected);
+}
+
+void TestZoneSearch::cap_data()
+{
+    QTest::addColumn<int>("cityCount");
+    QTest::addColumn<int>("identifierCount");
+    QTest::addColumn<int>("expectedCities");
+    QTest::addColumn<int>("expectedIdentifiers");
+
+    QTest::newRow("55 cities") << 55 << 0 << 40 << 0;
+    QTest::newRow("exactly 40 cities") << 40 << 0 << 40 << 0;
+    QTest::newRow("39 cities") << 39 << 0 << 39 << 0;
+    QTest::newRow("55 identifiers") << 0 << 55 << 0 << 40;
+    QTest::newRow("exactly 40 identifiers") << 0 << 40 << 0 << 40;
+    QTest::newRow("30 cities, 25 identifiers") << 30 << 25 << 30 << 10;
+    QTest::newRow("40 cities hide identifiers") << 40 << 5 << 40 << 0;
+    QTest::newRow("39 cities, one identifier") << 39 << 5 << 39 << 1;
+}
+
+void TestZoneSearch::cap()
+{
+    QFETCH(int, cityCount);
+    QFETCH(int, identifierCount);
+    QFETCH(int, expectedCities);
+    QFETCH(int, expectedIdentifiers);
+
+    // Non-matching cities and identifiers between the matching ones.
+    CityList cities;
+    const CityList matching = numberedCities(QStringLiteral("Vale"), cityCount);
+    const CityList other = numberedCities(QStringLiteral("Hill"), cityCount);
+    for (qsizetype i = 0; i < matching.size(); ++i)
+        cities << other[i] << matching[i];
+    QStringList identifiers;
+    const QStringList matchingIds = numberedIdentifiers(QStringLiteral("Vale"), identifierCount);
+    for (const QString &identifier : matchingIds)
+        identifiers << QStringLiteral("Area/Hill") << identifier;
+
+    QStringList expected;
+    for (int i = 0; i < expectedCities; ++i)
+        expected.append(matching[i].id());
+    for (int i = 0; i < expectedIdentifiers; ++i)
+        expected.append(u"iana:" + matchingIds[i]);
+
+    const QList<ZoneSearchResult> results = searchBoth(QStringLiteral("vale"), cities, identifiers);
+    QCOMPARE(resultIds(results), expected);
+    QVERIFY(results.size() <= ZoneSearch::maximumResults);
+}
+
+void TestZoneSearch::resultContent()
+{
+    const QList<ZoneSearchResult> results = searchBoth(
+        QStringLiteral("aires"), {{"Buenos Aires", "America/Argentina/Buenos_Aires", "Argentina"}},
+        {"America/Argentina/Buenos_Aires", "America/Argentina/Cordoba", "Atlantic/Aires_Test"});
+    const QList<ZoneSearchResult> expected{
+        {"Buenos Aires|America/Argentina/Buenos_Aires|Argentina", "Buenos Aires",
+         QStringLiteral("Argentina \u00B7 America/Argentina/Buenos_Aires"),
+         "America/Argentina/Buenos_Aires"},
+        {"iana:Atlantic/Aires_Test", "Aires Test", "Atlantic/Aires_Test", "Atlantic/Aires_Test"}};
+    QCOMPARE(results, expected);
+}
+
+QTEST_GUILESS_MAIN(TestZoneSearch)
+#include "tst_zonesearch.moc"
