@@ -1,0 +1,124 @@
+#include "StatusNotifierItem.h"
+
+#include "GlobeIcon.h"
+#include "StatusNotifierItemAdaptor.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+
+const QString StatusNotifierItem::watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString StatusNotifierItem::objectPath = QStringLiteral("/StatusNotifierItem");
+const QString StatusNotifierItem::appId = QStringLiteral("io.github.zonara.Zonara");
+
+namespace {
+
+const QString appName = QStringLiteral("Zonara");
+
+SniIconPixmapList globePixmaps()
+{
+    SniIconPixmapList pixmaps;
+    for (int size : GlobeIcon::sizes())
+        pixmaps.append(SniIconPixmap::fromImage(GlobeIcon::image(size)));
+    return pixmaps;
+}
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(const QDBusConnection &bus, const QDBusObjectPath &menuPath,
+                                       QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+    , m_menuPath(menuPath)
+    , m_serviceName(
+          QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid()))
+    , m_iconPixmap(globePixmaps())
+{
+    qDBusRegisterMetaType<SniIconPixmap>();
+    qDBusRegisterMetaType<SniIconPixmapList>();
+    qDBusRegisterMetaType<SniToolTip>();
+    m_adaptor = new StatusNotifierItemAdaptor(this);
+
+    if (!m_bus.isConnected())
+        return;
+    // The object goes first so that a host never sees the name without it.
+    if (!m_bus.registerObject(objectPath, this, QDBusConnection::ExportAdaptors))
+        return;
+    if (!m_bus.registerService(m_serviceName)) {
+        m_bus.unregisterObject(objectPath);
+        return;
+    }
+    m_exported = true;
+
+    m_watcher = new QDBusServiceWatcher(watcherService, m_bus,
+                                        QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &, const QString &newOwner) {
+                if (newOwner.isEmpty())
+                    setHosted(false);
+                else
+                    registerWithWatcher();
+            });
+    // Asked after the watch is in place, so an owner change in between is not lost.
+    if (m_bus.interface()->isServiceRegistered(watcherService))
+        registerWithWatcher();
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    if (m_exported) {
+        m_bus.unregisterService(m_serviceName);
+        m_bus.unregisterObject(objectPath);
+    }
+}
+
+void StatusNotifierItem::registerWithWatcher()
+{
+    const quint64 registration = ++m_registration;
+    setHosted(true);
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        watcherService, QStringLiteral("/StatusNotifierWatcher"), watcherService,
+        QStringLiteral("RegisterStatusNotifierItem"));
+    call << m_serviceName;
+    // Never a blocking call: the watcher may live in this very thread.
+    auto *pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending, registration] {
+        pending->deleteLater();
+        if (registration == m_registration && pending->isError())
+            setHosted(false);
+    });
+}
+
+void StatusNotifierItem::setHosted(bool hosted)
+{
+    if (m_hosted == hosted)
+        return;
+    m_hosted = hosted;
+    Q_EMIT hostedChanged();
+}
+
+void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName)
+{
+    if (text == m_text && accessibleName == m_accessibleName)
+        return;
+    m_text = text;
+    m_accessibleName = accessibleName;
+    Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
+    // Some hosts re-read the label only on NewTitle.
+    Q_EMIT m_adaptor->NewTitle();
+    Q_EMIT m_adaptor->NewToolTip();
+}
+
+QString StatusNotifierItem::title() const
+{
+    return m_text.isEmpty() ? appName : m_text;
+}
+
+SniToolTip StatusNotifierItem::toolTip() const
+{
+    return {QString(), {}, m_accessibleName.isEmpty() ? appName : m_accessibleName, QString()};
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "SniIconPixmap.h"
+#include "SniToolTip.h"
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+class QDBusServiceWatcher;
+class StatusNotifierItemAdaptor;
+
+// Our tray item as a freedesktop StatusNotifierItem: exports itself on the bus
+// and registers with org.kde.StatusNotifierWatcher whenever one appears. The
+// line of text travels as the Ayatana label, the title and the tooltip.
+class StatusNotifierItem final : public QObject
+{
+    Q_OBJECT
+
+public:
+    static const QString watcherService;
+    static const QString objectPath;
+    static const QString appId;
+
+    StatusNotifierItem(const QDBusConnection &bus, const QDBusObjectPath &menuPath,
+                       QObject *parent = nullptr);
+    ~StatusNotifierItem() override;
+
+    bool isExported() const { return m_exported; }
+    QString serviceName() const { return m_serviceName; }
+    // Whether a watcher owns its name and has not refused our registration.
+    bool isHosted() const { return m_hosted; }
+
+    // An empty text shows the globe alone, titled "Zonara".
+    void setLine(const QString &text, const QString &accessibleName);
+
+    QString title() const;
+    QString label() const { return m_text; }
+    // Hosts size the label for this text; the line itself keeps width with tabular digits.
+    QString labelGuide() const { return m_text; }
+    SniToolTip toolTip() const;
+    const SniIconPixmapList &iconPixmap() const { return m_iconPixmap; }
+    QDBusObjectPath menu() const { return m_menuPath; }
+
+Q_SIGNALS:
+    void hostedChanged();
+    void activateRequested(const QPoint &position);
+    void secondaryActivateRequested(const QPoint &position);
+    void contextMenuRequested(const QPoint &position);
+    void scrollRequested(int delta, Qt::Orientation orientation);
+
+private:
+    void registerWithWatcher();
+    void setHosted(bool hosted);
+
+    QDBusConnection m_bus;
+    QDBusObjectPath m_menuPath;
+    QString m_serviceName;
+    StatusNotifierItemAdaptor *m_adaptor = nullptr;
+    QDBusServiceWatcher *m_watcher = nullptr;
+    SniIconPixmapList m_iconPixmap;
+    QString m_text;
+    QString m_accessibleName;
+    bool m_exported = false;
+    bool m_hosted = false;
+    // Replies to earlier registrations are stale once a newer one is sent.
+    quint64 m_registration = 0;
+};

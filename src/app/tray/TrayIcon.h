@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+#include <memory>
+
+class DBusMenuExporter;
+class QMenu;
+class QSystemTrayIcon;
+class QTimer;
+class StatusNotifierItem;
+
+// The app's presence in the panel: our own StatusNotifierItem while a watcher
+// is on the bus, else a QSystemTrayIcon (XEmbed) where the desktop has one.
+class TrayIcon final : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Kind { StatusNotifierItem, XEmbed, None };
+    Q_ENUM(Kind)
+
+    // How long the item waits for a vanished watcher to come back before it
+    // falls back, so that a restarting panel does not flip the kind.
+    static constexpr int fallbackDelayMs = 2000;
+
+    // Uses the given session bus; with a StatusNotifierWatcher on it, exports our own
+    // StatusNotifierItem; without one, falls back to QSystemTrayIcon (XEmbed) if
+    // QSystemTrayIcon::isSystemTrayAvailable(); otherwise Kind::None.
+    explicit TrayIcon(const QDBusConnection &bus, QObject *parent = nullptr);
+    ~TrayIcon() override;
+
+    Kind kind() const { return m_kind; }
+
+    // The line of pinned times; an empty text shows the globe icon alone.
+    // accessibleName is "Zonara" for the globe, else "Zonara, " + text (the caller computes it).
+    void setLine(const QString &text, const QString &accessibleName);
+
+Q_SIGNALS:
+    void activated(const QPoint &position); // Activate(x, y), or a click on the fallback icon
+    void showRequested();                   // menu "Show Zonara"
+    void settingsRequested();               // menu "Settings…"
+    void quitRequested();                   // menu "Quit"
+    void kindChanged();
+
+private:
+    void onHostedChanged();
+    void updateKind();
+    void showFallback();
+    QString fallbackToolTip() const;
+
+    std::unique_ptr<QMenu> m_menu;
+    DBusMenuExporter *m_menuExporter = nullptr;
+    StatusNotifierItem *m_item = nullptr;
+    QSystemTrayIcon *m_fallback = nullptr;
+    QTimer *m_fallbackTimer = nullptr;
+    Kind m_kind = Kind::None;
+    QString m_text;
+};
