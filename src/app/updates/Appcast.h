@@ -1,0 +1,22 @@
+#pragma once
+
+#include "AppcastItem.h"
+
+#include <QList>
+
+#include <optional>
+
+// The RSS update feed ("appcast") with Sparkle's extensions.
+namespace Appcast {
+
+inline constexpr auto sparkleNamespace = "http://www.andymatuschak.org/xml-namespaces/sparkle";
+
+// The feed's usable releases, in feed order, or nothing when the document is
+// not well-formed RSS. Items without a valid version, download address, length
+// or signature are left out; unknown elements are ignored.
+std::optional<QList<AppcastItem>> parse(const QByteArray &document);
+
+// The newest of items, or nothing when there is none.
+std::optional<AppcastItem> newest(const QList<AppcastItem> &items);
+
+} // namespace Appcast
