@@ -1,29 +1,53 @@
 #include "CommandLine.h"
 
+#include "BusZoneEditor.h"
+#include "Clock.h"
 #include "MemoryPreferencesStore.h"
 #include "MenuBarFormatter.h"
+#include "StoreZoneEditor.h"
+#include "SystemTimeWatcher.h"
 #include "TimeZoneDatabase.h"
+#include "ZoneChoices.h"
+#include "ZoneOffset.h"
+#include "ZoneReference.h"
 #include "ZoneStore.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QFileInfo>
+#include <QFileSystemWatcher>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
+#include <QSignalBlocker>
+#include <QStandardPaths>
 #include <QTextStream>
 
 namespace {
 
-// A snapshot of the saved state, so that reading never writes: on a first run
-// the seed stays in memory instead of landing in the user's file.
-std::unique_ptr<MemoryPreferencesStore> snapshotOf(const PreferencesStore &preferences)
-{
-    auto snapshot = std::make_unique<MemoryPreferencesStore>();
-    if (const auto bytes = preferences.readBytes(ZoneStore::zonesKey))
-        snapshot->writeBytes(ZoneStore::zonesKey, *bytes);
-    if (const auto text = preferences.readText(ZoneStore::formatKey))
-        snapshot->writeText(ZoneStore::formatKey, *text);
-    snapshot->writeBool(ZoneStore::seededKey, preferences.readBool(ZoneStore::seededKey));
-    return snapshot;
-}
+const QString helpText = QStringLiteral(
+    "Usage: zonara [--settings]\n"
+    "  Starts Zonara in the tray; --settings also opens its settings.\n"
+    "\n"
+    "Usage: zonara COMMAND [OPTIONS]\n"
+    "  line [--format NAME] [--at INSTANT]   print the tray line of the pinned cities\n"
+    "  watch [--format NAME] [--json]        print it again at every tick, until stopped\n"
+    "  list [--json]                         list the saved cities\n"
+    "  add IDENTIFIER [--nickname TEXT] [--pin]\n"
+    "                                        add a city by its time zone\n"
+    "  rename ZONE [TEXT]                    set a nickname (none: back to the city name)\n"
+    "  pin ZONE, unpin ZONE                  show a city in the tray line, or not\n"
+    "  remove ZONE                           remove a city\n"
+    "  move ZONE (--before ZONE | --to-end)  reorder\n"
+    "  search QUERY [--json]                 find cities and time zones to add\n"
+    "  format [NAME]                         print the line format, or set it\n"
+    "\n"
+    "ZONE is a position in the list (from 1), an id, or a city's name.\n"
+    "NAME is one of: %1.\n"
+    "INSTANT is an ISO-8601 date and time with an offset, e.g. 2026-01-05T20:00:07-05:00.\n"
+    "Your time zone is the system's, or TZ when it is set.\n");
 
 QString formatNames()
 {
@@ -46,69 +70,259 @@ std::optional<QDateTime> parseInstant(const QString &text)
     return instant;
 }
 
+// A snapshot of the saved state, so that reading never writes: on a first run
+// the seed stays in memory instead of landing in the user's file.
+std::unique_ptr<MemoryPreferencesStore> snapshotOf(const PreferencesStore &preferences)
+{
+    auto snapshot = std::make_unique<MemoryPreferencesStore>();
+    if (const auto bytes = preferences.readBytes(ZoneStore::zonesKey))
+        snapshot->writeBytes(ZoneStore::zonesKey, *bytes);
+    if (const auto text = preferences.readText(ZoneStore::formatKey))
+        snapshot->writeText(ZoneStore::formatKey, *text);
+    snapshot->writeBool(ZoneStore::seededKey, preferences.readBool(ZoneStore::seededKey));
+    return snapshot;
+}
+
+struct ZoneTime
+{
+    QString time;
+    QString subtitle;
+};
+
+// The time and the offset line of a saved city, as its card shows them.
+ZoneTime timeOf(const QString &identifier, MenuBarFormat format, const QDateTime &now,
+                const QTimeZone &local)
+{
+    const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(identifier);
+    if (!zone)
+        return {QStringLiteral("--:--"), identifier};
+    return {MenuBarFormatter::timeString(format, now, *zone),
+            ZoneOffset::info(*zone, now, local).subtitle()};
+}
+
+QString tooltipOf(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &now)
+{
+    const QTimeZone local = TimeZoneDatabase::localZone();
+    QStringList lines;
+    for (const SavedZone &zone : zones) {
+        const ZoneTime time = timeOf(zone.identifier, format, now, local);
+        lines.append(zone.displayName() + u' ' + time.time + QStringLiteral(" · ") + time.subtitle);
+    }
+    return lines.join(u'\n');
+}
+
+// Columns padded to their widest cell, two spaces apart.
+QString table(const QList<QStringList> &rows)
+{
+    QList<qsizetype> widths;
+    for (const QStringList &row : rows) {
+        for (qsizetype column = 0; column < row.size(); ++column) {
+            if (widths.size() <= column)
+                widths.append(0);
+            widths[column] = std::max(widths[column], row[column].size());
+        }
+    }
+    QString text;
+    for (const QStringList &row : rows) {
+        QString line;
+        for (qsizetype column = 0; column < row.size(); ++column) {
+            line += column + 1 < row.size() ? row[column].leftJustified(widths[column] + 2)
+                                            : row[column];
+        }
+        text += line.trimmed() + u'\n';
+    }
+    return text;
+}
+
+QString compactJson(const QJsonValue &value)
+{
+    if (value.isArray())
+        return QString::fromUtf8(QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact));
+    return QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
+}
+
+QString describe(const SavedZone &zone)
+{
+    return QStringLiteral("%1 (%2)").arg(zone.displayName(), zone.identifier);
+}
+
 } // namespace
 
-CommandLine::CommandLine(PreferencesStore &preferences, QTextStream &out, QTextStream &err)
+CommandLine::CommandLine(PreferencesStore &preferences, const QDBusConnection &bus,
+                         QTextStream &out, QTextStream &err)
     : m_preferences(preferences)
+    , m_bus(bus)
     , m_out(out)
     , m_err(err)
 {}
 
+CommandLine::~CommandLine() = default;
+
+bool CommandLine::isCommand(const QStringList &arguments)
+{
+    if (arguments.size() < 2)
+        return false;
+    const QString first = arguments.at(1);
+    static const QStringList informational{QStringLiteral("--help"), QStringLiteral("-h"),
+                                           QStringLiteral("--version"), QStringLiteral("-v")};
+    // Anything else that starts with '-' is for the tray program or for Qt.
+    return !first.startsWith(u'-') || informational.contains(first);
+}
+
 int CommandLine::run(const QStringList &arguments)
 {
     const QString command = arguments.value(1);
-    if (command == u"line")
-        return line(arguments.mid(1));
-    if (command == u"--help" || command == u"-h" || command.isEmpty()) {
-        m_out << "Usage: zonara line [--format NAME] [--at INSTANT]\n"
-                 "  Prints the tray line of your pinned cities.\n"
-                 "  --format NAME   one of: "
-              << formatNames()
-              << "\n"
-                 "  --at INSTANT    an ISO-8601 date and time with offset, "
-                 "e.g. 2026-01-05T20:00:07-05:00\n";
-        m_out.flush();
-        return Success;
-    }
-    if (command == u"--version" || command == u"-v") {
-        m_out << "zonara " << ZONARA_VERSION << '\n';
-        m_out.flush();
-        return Success;
-    }
-    return usageError(QStringLiteral("unknown command \"%1\"; try \"zonara --help\"").arg(command));
-}
+    if (command == u"--help" || command == u"-h" || command == u"help")
+        return help();
+    if (command == u"--version" || command == u"-v")
+        return print(QStringLiteral("zonara " ZONARA_VERSION));
 
-int CommandLine::line(const QStringList &arguments)
-{
-    QCommandLineParser parser;
+    using Command = int (CommandLine::*)(QCommandLineParser &);
+    struct Entry
+    {
+        const char16_t *name;
+        Command run;
+        QList<QCommandLineOption> options;
+    };
     const QCommandLineOption formatOption(QStringLiteral("format"), QString(),
                                           QStringLiteral("NAME"));
     const QCommandLineOption atOption(QStringLiteral("at"), QString(), QStringLiteral("INSTANT"));
-    parser.addOption(formatOption);
-    parser.addOption(atOption);
-    if (!parser.parse(QStringList{QStringLiteral("zonara")} + arguments.mid(1)))
-        return usageError(parser.errorText());
+    const QCommandLineOption jsonOption(QStringLiteral("json"));
+    const QCommandLineOption nicknameOption(QStringLiteral("nickname"), QString(),
+                                            QStringLiteral("TEXT"));
+    const QCommandLineOption pinOption(QStringLiteral("pin"));
+    const QCommandLineOption beforeOption(QStringLiteral("before"), QString(),
+                                          QStringLiteral("ZONE"));
+    const QCommandLineOption toEndOption(QStringLiteral("to-end"));
+    const QList<Entry> commands{
+        {u"line", &CommandLine::line, {formatOption, atOption}},
+        {u"watch", &CommandLine::watch, {formatOption, jsonOption}},
+        {u"list", &CommandLine::list, {jsonOption}},
+        {u"add", &CommandLine::add, {nicknameOption, pinOption}},
+        {u"rename", &CommandLine::rename, {}},
+        {u"pin", nullptr, {}},
+        {u"unpin", nullptr, {}},
+        {u"remove", &CommandLine::remove, {}},
+        {u"move", &CommandLine::move, {beforeOption, toEndOption}},
+        {u"search", &CommandLine::search, {jsonOption}},
+        {u"format", &CommandLine::format, {}},
+    };
+    for (const Entry &entry : commands) {
+        if (command != QStringView(entry.name))
+            continue;
+        QCommandLineParser parser;
+        parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+        parser.addOptions(entry.options);
+        if (!parser.parse(QStringList{arguments.constFirst()} + arguments.mid(2)))
+            return usageError(parser.errorText());
+        if (command == u"pin" || command == u"unpin")
+            return setPinned(parser, command == u"pin");
+        return (this->*entry.run)(parser);
+    }
+    return usageError(QStringLiteral("unknown command \"%1\"; see \"zonara --help\"").arg(command));
+}
+
+int CommandLine::help()
+{
+    return print(helpText.arg(formatNames()).chopped(1));
+}
+
+ZoneEditor &CommandLine::editor(bool forEditing)
+{
+    // A read-only snapshot must never take an edit: it would be lost.
+    if (m_editor && (!forEditing || !m_snapshot))
+        return *m_editor;
+    m_editor.reset();
+    m_store.reset();
+    m_snapshot.reset();
+    if (BusZoneEditor::isServing(m_bus)) {
+        m_editor = std::make_unique<BusZoneEditor>(m_bus);
+    } else if (forEditing) {
+        m_store = std::make_unique<ZoneStore>(m_preferences, TimeZoneDatabase::lookup());
+        m_editor = std::make_unique<StoreZoneEditor>(*m_store);
+    } else {
+        m_snapshot = snapshotOf(m_preferences);
+        m_store = std::make_unique<ZoneStore>(*m_snapshot, TimeZoneDatabase::lookup());
+        m_editor = std::make_unique<StoreZoneEditor>(*m_store);
+    }
+    return *m_editor;
+}
+
+std::optional<MenuBarFormat> CommandLine::chosenFormat(const QCommandLineParser &parser,
+                                                       int &status)
+{
+    status = Success;
+    if (parser.isSet(QStringLiteral("format"))) {
+        const QString name = parser.value(QStringLiteral("format"));
+        if (const std::optional<MenuBarFormat> format = MenuBarFormats::fromRawValue(name))
+            return format;
+        status = usageError(
+            QStringLiteral("unknown format \"%1\"; the formats are %2").arg(name, formatNames()));
+        return std::nullopt;
+    }
+    const std::optional<MenuBarFormat> stored = editor(false).format();
+    if (!stored)
+        status = editResult(int(ZoneEditor::Result::Unreachable));
+    return stored;
+}
+
+std::optional<SavedZone> CommandLine::zoneNamed(const QString &text)
+{
+    const std::optional<QList<SavedZone>> zones = editor(true).zones();
+    if (!zones) {
+        editResult(int(ZoneEditor::Result::Unreachable));
+        return std::nullopt;
+    }
+    const auto resolved = ZoneReference::resolve(text, *zones);
+    if (const QString *error = std::get_if<QString>(&resolved)) {
+        usageError(*error);
+        return std::nullopt;
+    }
+    return zones->at(std::get<qsizetype>(resolved));
+}
+
+int CommandLine::editResult(int result, const QString &ignoredMessage)
+{
+    switch (ZoneEditor::Result(result)) {
+    case ZoneEditor::Result::Done:
+        return Success;
+    case ZoneEditor::Result::Ignored:
+        m_err << "zonara: " << ignoredMessage << '\n';
+        m_err.flush();
+        return Refused;
+    case ZoneEditor::Result::Unreachable:
+        break;
+    }
+    return usageError(QStringLiteral("the running Zonara did not answer"));
+}
+
+int CommandLine::usageError(const QString &message)
+{
+    m_err << "zonara: " << message << '\n';
+    m_err.flush();
+    return UsageError;
+}
+
+int CommandLine::print(const QString &text)
+{
+    m_out << text << '\n';
+    m_out.flush();
+    return Success;
+}
+
+int CommandLine::line(QCommandLineParser &parser)
+{
     if (!parser.positionalArguments().isEmpty())
         return usageError(QStringLiteral("\"line\" takes no argument \"%1\"")
-                              .arg(parser.positionalArguments().first()));
-
-    const auto snapshot = snapshotOf(m_preferences);
-    const ZoneStore store(*snapshot, TimeZoneDatabase::lookup());
-
-    MenuBarFormat format = store.format();
-    if (parser.isSet(formatOption)) {
-        const QString name = parser.value(formatOption);
-        const std::optional<MenuBarFormat> chosen = MenuBarFormats::fromRawValue(name);
-        if (!chosen) {
-            return usageError(QStringLiteral("unknown format \"%1\"; the formats are %2")
-                                  .arg(name, formatNames()));
-        }
-        format = *chosen;
-    }
+                              .arg(parser.positionalArguments().constFirst()));
+    int status = Success;
+    const std::optional<MenuBarFormat> format = chosenFormat(parser, status);
+    if (!format)
+        return status;
 
     QDateTime at = QDateTime::currentDateTimeUtc();
-    if (parser.isSet(atOption)) {
-        const QString text = parser.value(atOption);
+    if (parser.isSet(QStringLiteral("at"))) {
+        const QString text = parser.value(QStringLiteral("at"));
         const std::optional<QDateTime> instant = parseInstant(text);
         if (!instant) {
             return usageError(QStringLiteral("\"%1\" is not an ISO-8601 date and time with an "
@@ -117,16 +331,280 @@ int CommandLine::line(const QStringList &arguments)
         }
         at = *instant;
     }
-
-    m_out << MenuBarFormatter::string(store.zones(), format, at, TimeZoneDatabase::localZone())
-          << '\n';
-    m_out.flush();
-    return Success;
+    const std::optional<QList<SavedZone>> zones = editor(false).zones();
+    if (!zones)
+        return editResult(int(ZoneEditor::Result::Unreachable));
+    return print(MenuBarFormatter::string(*zones, *format, at, TimeZoneDatabase::localZone()));
 }
 
-int CommandLine::usageError(const QString &message)
+int CommandLine::watch(QCommandLineParser &parser)
 {
-    m_err << "zonara: " << message << '\n';
-    m_err.flush();
-    return UsageError;
+    if (!parser.positionalArguments().isEmpty())
+        return usageError(QStringLiteral("\"watch\" takes no argument \"%1\"")
+                              .arg(parser.positionalArguments().constFirst()));
+    int status = Success;
+    const std::optional<MenuBarFormat> initialFormat = chosenFormat(parser, status);
+    if (!initialFormat)
+        return status;
+    const bool fixedFormat = parser.isSet(QStringLiteral("format"));
+    const bool json = parser.isSet(QStringLiteral("json"));
+
+    Clock clock;
+    SystemTimeWatcher timeWatcher;
+    QObject::connect(&timeWatcher, &SystemTimeWatcher::timeChanged, &clock, &Clock::realign);
+
+    QString lastOutput;
+    const auto emitLine = [&](bool onlyIfChanged) {
+        // Read afresh: the running Zonara or another command may have changed the list.
+        m_editor.reset();
+        m_store.reset();
+        ZoneEditor &source = editor(false);
+        const std::optional<QList<SavedZone>> zones = source.zones();
+        const MenuBarFormat format =
+            fixedFormat ? *initialFormat : source.format().value_or(*initialFormat);
+        {
+            // Switching takes the time afresh; this pass prints it, not a nested one.
+            const QSignalBlocker blocker(&clock);
+            clock.setShowsSeconds(format == MenuBarFormat::labelTime24Seconds);
+        }
+        const QList<SavedZone> list = zones.value_or(QList<SavedZone>());
+        const QString text =
+            MenuBarFormatter::string(list, format, clock.now(), TimeZoneDatabase::localZone());
+        QString output = text;
+        if (json) {
+            output = compactJson(QJsonObject{
+                {QStringLiteral("text"), text},
+                {QStringLiteral("tooltip"), tooltipOf(list, format, clock.now())},
+                {QStringLiteral("class"),
+                 text.isEmpty() ? QStringLiteral("empty") : QStringLiteral("pinned")},
+            });
+        }
+        if (onlyIfChanged && output == lastOutput)
+            return;
+        lastOutput = output;
+        print(output);
+    };
+
+    // Edits show at once, not only at the next tick. The preferences file is
+    // replaced on every write, so its directory is what can be watched.
+    QFileSystemWatcher files;
+    const QString configDirectory =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+        QStringLiteral("/zonara");
+    if (QFileInfo(configDirectory).isDir())
+        files.addPath(configDirectory);
+    QObject::connect(&files, &QFileSystemWatcher::directoryChanged, &clock,
+                     [&] { emitLine(true); });
+    QObject::connect(&clock, &Clock::nowChanged, &clock, [&] { emitLine(false); });
+    emitLine(false);
+    return QCoreApplication::exec();
+}
+
+int CommandLine::list(QCommandLineParser &parser)
+{
+    if (!parser.positionalArguments().isEmpty())
+        return usageError(QStringLiteral("\"list\" takes no argument \"%1\"")
+                              .arg(parser.positionalArguments().constFirst()));
+    ZoneEditor &source = editor(false);
+    const std::optional<QList<SavedZone>> zones = source.zones();
+    const std::optional<MenuBarFormat> format = source.format();
+    if (!zones || !format)
+        return editResult(int(ZoneEditor::Result::Unreachable));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const QTimeZone local = TimeZoneDatabase::localZone();
+
+    if (parser.isSet(QStringLiteral("json"))) {
+        QJsonArray array;
+        for (qsizetype i = 0; i < zones->size(); ++i) {
+            const SavedZone &zone = zones->at(i);
+            const ZoneTime time = timeOf(zone.identifier, *format, now, local);
+            array.append(QJsonObject{
+                {QStringLiteral("position"), int(i + 1)},
+                {QStringLiteral("id"), zone.id.toString(QUuid::WithoutBraces)},
+                {QStringLiteral("displayName"), zone.displayName()},
+                {QStringLiteral("identifier"), zone.identifier},
+                {QStringLiteral("nickname"),
+                 zone.customLabel ? QJsonValue(*zone.customLabel) : QJsonValue()},
+                {QStringLiteral("pinned"), zone.isPinned},
+                {QStringLiteral("time"), time.time},
+                {QStringLiteral("subtitle"), time.subtitle},
+            });
+        }
+        return print(compactJson(array));
+    }
+
+    if (zones->isEmpty())
+        return print(QStringLiteral("No cities yet. Add one with \"zonara add IDENTIFIER\"."));
+    QList<QStringList> rows{{QStringLiteral("#"), QStringLiteral("Name"),
+                             QStringLiteral("Time zone"), QStringLiteral("Nickname"),
+                             QStringLiteral("Pinned"), QStringLiteral("Time"),
+                             QStringLiteral("Offset")}};
+    for (qsizetype i = 0; i < zones->size(); ++i) {
+        const SavedZone &zone = zones->at(i);
+        const ZoneTime time = timeOf(zone.identifier, *format, now, local);
+        rows.append({QString::number(i + 1), zone.displayName(), zone.identifier,
+                     zone.customLabel.value_or(QStringLiteral("-")),
+                     zone.isPinned ? QStringLiteral("yes") : QStringLiteral("no"), time.time,
+                     time.subtitle});
+    }
+    return print(table(rows).chopped(1));
+}
+
+int CommandLine::add(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() != 1)
+        return usageError(QStringLiteral("\"add\" takes one time zone, such as Europe/Stockholm"));
+    const QString identifier = arguments.constFirst();
+    if (!TimeZoneDatabase::resolves(identifier)) {
+        QList<ZoneSearchResult> found = ZoneChoices::results(identifier);
+        if (found.isEmpty())
+            found = ZoneChoices::results(cityPart(identifier));
+        QString message = QStringLiteral("unknown time zone \"%1\"").arg(identifier);
+        if (!found.isEmpty()) {
+            const ZoneSearchResult &first = found.constFirst();
+            message += QStringLiteral("; did you mean %1 (%2)?").arg(first.identifier, first.title);
+        }
+        return usageError(message);
+    }
+    std::optional<QString> nickname;
+    if (parser.isSet(QStringLiteral("nickname")))
+        nickname = parser.value(QStringLiteral("nickname"));
+    const ZoneEditor::Result result =
+        editor(true).add(identifier, nickname, parser.isSet(QStringLiteral("pin")));
+    const SavedZone wanted{QUuid(), identifier, nickname, false};
+    return editResult(int(result),
+                      QStringLiteral("%1 is already in your list").arg(describe(wanted)));
+}
+
+int CommandLine::rename(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.isEmpty() || arguments.size() > 2)
+        return usageError(QStringLiteral("\"rename\" takes a city and, optionally, its new name"));
+    const std::optional<SavedZone> zone = zoneNamed(arguments.constFirst());
+    if (!zone)
+        return UsageError;
+    std::optional<QString> nickname;
+    if (arguments.size() == 2)
+        nickname = arguments.at(1);
+    return editResult(int(editor(true).rename(zone->id, nickname)),
+                      QStringLiteral("%1 is no longer in your list").arg(describe(*zone)));
+}
+
+int CommandLine::setPinned(QCommandLineParser &parser, bool pinned)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() != 1)
+        return usageError(QStringLiteral("\"%1\" takes one city").arg(pinned ? u"pin" : u"unpin"));
+    const std::optional<SavedZone> zone = zoneNamed(arguments.constFirst());
+    if (!zone)
+        return UsageError;
+    return editResult(int(editor(true).setPinned(zone->id, pinned)),
+                      QStringLiteral("%1 is no longer in your list").arg(describe(*zone)));
+}
+
+int CommandLine::remove(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() != 1)
+        return usageError(QStringLiteral("\"remove\" takes one city"));
+    const std::optional<SavedZone> zone = zoneNamed(arguments.constFirst());
+    if (!zone)
+        return UsageError;
+    return editResult(int(editor(true).remove(zone->id)),
+                      QStringLiteral("%1 is no longer in your list").arg(describe(*zone)));
+}
+
+int CommandLine::move(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    const bool before = parser.isSet(QStringLiteral("before"));
+    const bool toEnd = parser.isSet(QStringLiteral("to-end"));
+    if (arguments.size() != 1 || before == toEnd)
+        return usageError(
+            QStringLiteral("\"move\" takes one city and either --before ZONE or --to-end"));
+    const std::optional<SavedZone> zone = zoneNamed(arguments.constFirst());
+    if (!zone)
+        return UsageError;
+    std::optional<QUuid> anchor;
+    if (before) {
+        const std::optional<SavedZone> other = zoneNamed(parser.value(QStringLiteral("before")));
+        if (!other)
+            return UsageError;
+        if (other->id == zone->id)
+            return usageError(QStringLiteral("a city cannot move in front of itself"));
+        anchor = other->id;
+    }
+    return editResult(int(editor(true).moveZones({zone->id}, anchor)));
+}
+
+int CommandLine::search(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() > 1)
+        return usageError(QStringLiteral("\"search\" takes one query; quote it if it has spaces"));
+    const QString query = arguments.value(0);
+    ZoneEditor &source = editor(false);
+    const std::optional<QList<SavedZone>> zones = source.zones();
+    const std::optional<MenuBarFormat> format = source.format();
+    if (!zones || !format)
+        return editResult(int(ZoneEditor::Result::Unreachable));
+    const QList<ZoneSearchResult> results = ZoneChoices::results(query);
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+
+    const auto timeThere = [&](const ZoneSearchResult &result) {
+        const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(result.identifier);
+        return zone ? MenuBarFormatter::timeString(*format, now, *zone) : QString();
+    };
+
+    if (parser.isSet(QStringLiteral("json"))) {
+        QJsonArray array;
+        for (const ZoneSearchResult &result : results) {
+            const std::optional<QString> nickname = ZoneChoices::nicknameToSave(result);
+            array.append(QJsonObject{
+                {QStringLiteral("title"), result.title},
+                {QStringLiteral("subtitle"), result.subtitle},
+                {QStringLiteral("identifier"), result.identifier},
+                {QStringLiteral("nickname"), nickname ? QJsonValue(*nickname) : QJsonValue()},
+                {QStringLiteral("time"), timeThere(result)},
+                {QStringLiteral("alreadyAdded"), ZoneChoices::isAlreadyAdded(result, *zones)},
+            });
+        }
+        print(compactJson(array));
+        return results.isEmpty() ? Refused : Success;
+    }
+
+    if (results.isEmpty()) {
+        m_err << "zonara: no city or time zone matches \"" << query << "\"\n";
+        m_err.flush();
+        return Refused;
+    }
+    QList<QStringList> rows;
+    for (const ZoneSearchResult &result : results) {
+        rows.append(
+            {result.title, result.subtitle, timeThere(result),
+             ZoneChoices::isAlreadyAdded(result, *zones) ? QStringLiteral("(added)") : QString()});
+    }
+    return print(table(rows).chopped(1));
+}
+
+int CommandLine::format(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() > 1)
+        return usageError(QStringLiteral("\"format\" takes at most one format name"));
+    if (arguments.isEmpty()) {
+        const std::optional<MenuBarFormat> format = editor(false).format();
+        if (!format)
+            return editResult(int(ZoneEditor::Result::Unreachable));
+        return print(MenuBarFormats::rawValue(*format));
+    }
+    const std::optional<MenuBarFormat> format =
+        MenuBarFormats::fromRawValue(arguments.constFirst());
+    if (!format) {
+        return usageError(QStringLiteral("unknown format \"%1\"; the formats are %2")
+                              .arg(arguments.constFirst(), formatNames()));
+    }
+    return editResult(int(editor(true).setFormat(*format)));
 }

@@ -1,27 +1,69 @@
 #pragma once
 
+#include "MenuBarFormat.h"
+#include "SavedZone.h"
+
+#include <QDBusConnection>
 #include <QStringList>
 
-class PreferencesStore;
-class QTextStream;
+#include <memory>
+#include <optional>
 
-// The `zonara` command line: commands for scripts and status bars.
+class MemoryPreferencesStore;
+class PreferencesStore;
+class QCommandLineParser;
+class QTextStream;
+class ZoneEditor;
+class ZoneStore;
+
+// The `zonara` command line: the saved cities for scripts and status bars.
+// Edits go through a running Zonara when there is one, so that its store
+// stays the one owner of the list; otherwise through a store of our own.
 class CommandLine final
 {
 public:
     enum ExitCode { Success = 0, Refused = 1, UsageError = 2 };
 
-    CommandLine(PreferencesStore &preferences, QTextStream &out, QTextStream &err);
+    CommandLine(PreferencesStore &preferences, const QDBusConnection &bus, QTextStream &out,
+                QTextStream &err);
+    ~CommandLine();
+
+    // Whether the arguments (the program name first) ask for a command
+    // rather than for the tray program.
+    static bool isCommand(const QStringList &arguments);
 
     // Runs the command in the arguments (the program name first) and returns
     // the exit status.
     int run(const QStringList &arguments);
 
 private:
-    int line(const QStringList &arguments);
+    int help();
+    int line(QCommandLineParser &parser);
+    int watch(QCommandLineParser &parser);
+    int list(QCommandLineParser &parser);
+    int add(QCommandLineParser &parser);
+    int rename(QCommandLineParser &parser);
+    int setPinned(QCommandLineParser &parser, bool pinned);
+    int remove(QCommandLineParser &parser);
+    int move(QCommandLineParser &parser);
+    int search(QCommandLineParser &parser);
+    int format(QCommandLineParser &parser);
+
+    // The running Zonara when there is one, else a store over the file;
+    // reading alone never writes the file.
+    ZoneEditor &editor(bool forEditing);
+    std::optional<MenuBarFormat> chosenFormat(const QCommandLineParser &parser, int &status);
+    // Resolves ZONE in the current list; writes the error and gives nothing.
+    std::optional<SavedZone> zoneNamed(const QString &text);
+    int editResult(int result, const QString &ignoredMessage = QString());
     int usageError(const QString &message);
+    int print(const QString &text);
 
     PreferencesStore &m_preferences;
+    QDBusConnection m_bus;
     QTextStream &m_out;
     QTextStream &m_err;
+    std::unique_ptr<MemoryPreferencesStore> m_snapshot;
+    std::unique_ptr<ZoneStore> m_store;
+    std::unique_ptr<ZoneEditor> m_editor;
 };

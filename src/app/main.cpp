@@ -1,21 +1,59 @@
 #include "CommandLine.h"
 #include "SettingsPreferencesStore.h"
+#include "SingleInstance.h"
+#include "ZonaraApp.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDBusConnection>
 #include <QTextStream>
 
 #include <cstdio>
 
-int main(int argc, char *argv[])
+namespace {
+
+void nameApplication()
 {
-    QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("zonara"));
     QCoreApplication::setApplicationName(QStringLiteral("zonara"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZONARA_VERSION));
+}
 
+int runCommandLine(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    nameApplication();
     SettingsPreferencesStore preferences;
     QTextStream out(stdout);
     QTextStream err(stderr);
-    CommandLine commandLine(preferences, out, err);
+    CommandLine commandLine(preferences, QDBusConnection::sessionBus(), out, err);
     return commandLine.run(QCoreApplication::arguments());
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (CommandLine::isCommand(arguments))
+        return runCommandLine(argc, argv);
+
+    QApplication app(argc, argv);
+    nameApplication();
+    QApplication::setDesktopFileName(QStringLiteral("io.github.zonara.Zonara"));
+    // Zonara lives in the tray: closing a window never ends it.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    const bool openSettings = arguments.contains(QStringLiteral("--settings"));
+    SingleInstance instance(QDBusConnection::sessionBus());
+    if (!instance.claim()) {
+        if (instance.forward(openSettings))
+            return 0;
+        std::fputs("zonara: another Zonara is running but did not answer\n", stderr);
+        return 1;
+    }
+
+    ZonaraApp zonara(instance, openSettings);
+    return app.exec();
 }

@@ -4,7 +4,11 @@
 #include "ZoneStore.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -34,11 +38,25 @@ private Q_SLOTS:
     void readingWritesNothing();
     void errors_data();
     void errors();
+    void addAndList();
+    void addRefusesDuplicatesAndUnknownZones_data();
+    void addRefusesDuplicatesAndUnknownZones();
+    void zoneReferences_data();
+    void zoneReferences();
+    void editsByReference();
+    void move_data();
+    void move();
+    void search();
+    void searchJson();
+    void format();
+    void watchPrintsOnEveryTick();
 
 private:
     void saveZones(const QList<SavedZone> &zones, const QString &format = QString());
     Result run(const QStringList &arguments,
                const QString &tz = QStringLiteral("America/New_York"));
+    QJsonArray listJson();
+    QStringList names();
     QString configFile() const { return m_home->filePath(QStringLiteral("zonara/zonara.conf")); }
 
     std::unique_ptr<QTemporaryDir> m_home;
@@ -219,6 +237,294 @@ void TestCommandLine::errors()
     QCOMPARE(result.exitCode, 2);
     QCOMPARE(result.out, QString());
     QVERIFY2(result.err.contains(mentions), qPrintable(result.err));
+}
+
+QJsonArray TestCommandLine::listJson()
+{
+    const Result result = run({QStringLiteral("list"), QStringLiteral("--json")});
+    if (result.exitCode != 0)
+        return {};
+    return QJsonDocument::fromJson(result.out.toUtf8()).array();
+}
+
+QStringList TestCommandLine::names()
+{
+    QStringList names;
+    for (const QJsonValue &zone : listJson())
+        names.append(zone[QStringLiteral("displayName")].toString());
+    return names;
+}
+
+void TestCommandLine::addAndList()
+{
+    QCOMPARE(run({"add", "Asia/Tokyo", "--pin"}).exitCode, 0);
+    const Result added = run({"add", "America/New_York", "--nickname", " NY office "});
+    QCOMPARE(added.exitCode, 0);
+    QCOMPARE(added.out, QString());
+
+    // The first edit seeds the list with the local zone, as the tray program would.
+    const QJsonArray zones = listJson();
+    QCOMPARE(zones.size(), 3);
+    const QJsonObject seed = zones[0].toObject();
+    QCOMPARE(seed["identifier"].toString(), QStringLiteral("America/New_York"));
+    QCOMPARE(seed["nickname"], QJsonValue());
+    QCOMPARE(seed["pinned"].toBool(), false);
+    const QJsonObject tokyo = zones[1].toObject();
+    QCOMPARE(tokyo["position"].toInt(), 2);
+    QCOMPARE(tokyo["displayName"].toString(), QStringLiteral("Tokyo"));
+    QCOMPARE(tokyo["pinned"].toBool(), true);
+    QVERIFY(QRegularExpression("^\\d\\d:\\d\\d$").match(tokyo["time"].toString()).hasMatch());
+    // New York is 13 or 14 hours behind, with or without daylight saving.
+    QVERIFY(QRegularExpression("^JST · \\+1[34]h$").match(tokyo["subtitle"].toString()).hasMatch());
+    QVERIFY(QUuid::fromString(tokyo["id"].toString()).isNull() == false);
+    const QJsonObject office = zones[2].toObject();
+    QCOMPARE(office["nickname"].toString(), QStringLiteral(" NY office ")); // stored as given
+    QCOMPARE(office["displayName"].toString(), QStringLiteral("NY office"));
+
+    const Result text = run({"list"});
+    QCOMPARE(text.exitCode, 0);
+    const QStringList lines = text.out.split(u'\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 4);
+    QVERIFY(lines[0].startsWith(QStringLiteral("#  Name")));
+    QVERIFY(lines[2].contains(QStringLiteral("Asia/Tokyo")));
+    QVERIFY(lines[2].contains(QStringLiteral("yes")));
+}
+
+void TestCommandLine::addRefusesDuplicatesAndUnknownZones_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("mentions");
+    QTest::newRow("duplicate") << QStringList{"add", "Asia/Tokyo"} << 1 << "already in your list";
+    QTest::newRow("other nickname is fine")
+        << QStringList{"add", "Asia/Tokyo", "--nickname", "HQ"} << 0 << "";
+    QTest::newRow("unknown, with a suggestion")
+        << QStringList{"add", "stockholm"} << 2 << "did you mean Europe/Stockholm";
+    QTest::newRow("unknown, by its city part")
+        << QStringList{"add", "Asia/Stockholm"} << 2 << "did you mean Europe/Stockholm";
+    QTest::newRow("unknown, nothing like it")
+        << QStringList{"add", "Mars/Olympus"} << 2 << "unknown time zone \"Mars/Olympus\"";
+    QTest::newRow("pseudo zone") << QStringList{"add", "UTC+05:00"} << 2 << "UTC+05:00";
+    QTest::newRow("no zone") << QStringList{"add"} << 2 << "takes one time zone";
+}
+
+void TestCommandLine::addRefusesDuplicatesAndUnknownZones()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, mentions);
+    saveZones({{QUuid::createUuid(), QStringLiteral("Asia/Tokyo"), std::nullopt, false}});
+    const Result result = run(arguments);
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(result.out, QString());
+    QVERIFY2(result.err.contains(mentions), qPrintable(result.err));
+    QCOMPARE(listJson().size(), exitCode == 0 ? 2 : 1);
+}
+
+void TestCommandLine::zoneReferences_data()
+{
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<int>("position"); // 0: an error
+    QTest::addColumn<QString>("mentions");
+    QTest::newRow("position") << "2" << 2 << "";
+    QTest::newRow("position 0") << "0" << 0 << "no city at position 0";
+    QTest::newRow("past the end") << "5" << 0 << "your list has 4";
+    QTest::newRow("name") << "Tokyo office" << 3 << "";
+    QTest::newRow("name, other case") << "tokyo OFFICE" << 3 << "";
+    QTest::newRow("city part") << "London" << 4 << "";
+    QTest::newRow("two cities") << "New York" << 0 << "positions 1, 2";
+    QTest::newRow("nobody") << "Paris" << 0 << "no city in your list is called \"Paris\"";
+    QTest::newRow("id") << "00000000-0000-4000-8000-000000000003" << 3 << "";
+    QTest::newRow("id in braces") << "{00000000-0000-4000-8000-000000000004}" << 4 << "";
+    QTest::newRow("unknown id") << "00000000-0000-4000-8000-000000000009" << 0
+                                << "no city has the id";
+}
+
+void TestCommandLine::zoneReferences()
+{
+    QFETCH(QString, reference);
+    QFETCH(int, position);
+    QFETCH(QString, mentions);
+    const auto id = [](int n) {
+        return QUuid::fromString(QStringLiteral("00000000-0000-4000-8000-00000000000%1").arg(n));
+    };
+    saveZones({
+        {id(1), QStringLiteral("America/New_York"), std::nullopt, false},
+        {id(2), QStringLiteral("America/New_York"), QStringLiteral("New York"), false},
+        {id(3), QStringLiteral("Asia/Tokyo"), QStringLiteral("Tokyo office"), false},
+        {id(4), QStringLiteral("Europe/London"), std::nullopt, false},
+    });
+    const Result result = run({"pin", reference});
+    const QJsonArray zones = listJson();
+    if (position == 0) {
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY2(result.err.contains(mentions), qPrintable(result.err));
+        for (const QJsonValue &zone : zones)
+            QVERIFY(!zone["pinned"].toBool());
+        return;
+    }
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.exitCode, 0);
+    for (const QJsonValue &zone : zones)
+        QCOMPARE(zone["pinned"].toBool(), zone["position"].toInt() == position);
+}
+
+void TestCommandLine::editsByReference()
+{
+    saveZones(workedExampleZones());
+    // pin and unpin set the flag; they do not toggle it.
+    QCOMPARE(run({"pin", "1"}).exitCode, 0);
+    QCOMPARE(run({"pin", "1"}).exitCode, 0);
+    QCOMPARE(listJson().at(0).toObject().value("pinned").toBool(), true);
+    QCOMPARE(run({"unpin", "Tokyo office"}).exitCode, 0);
+    QCOMPARE(run({"unpin", "Tokyo office"}).exitCode, 0);
+    QCOMPARE(listJson().at(3).toObject().value("pinned").toBool(), false);
+
+    QCOMPARE(run({"rename", "Paris", "  Bureau  "}).exitCode, 0);
+    QCOMPARE(listJson().at(1).toObject().value("nickname").toString(), QStringLiteral("Bureau"));
+    QCOMPARE(run({"rename", "Bureau"}).exitCode, 0);
+    QCOMPARE(listJson().at(1).toObject().value("nickname"), QJsonValue());
+    QCOMPARE(listJson().at(1).toObject().value("displayName").toString(), QStringLiteral("Paris"));
+
+    QCOMPARE(run({"remove", "London"}).exitCode, 0);
+    QCOMPARE(names(), (QStringList{"New York", "Paris", "Tokyo office"}));
+    QCOMPARE(run({"remove", "London"}).exitCode, 2);
+    QCOMPARE(run({"remove"}).exitCode, 2);
+    QCOMPARE(run({"line", "--at", mondayEvening}).out, QStringLiteral("NYC 20:00\n"));
+}
+
+void TestCommandLine::move_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<int>("exitCode");
+    const QStringList unchanged{"New York", "Paris", "London", "Tokyo office"};
+    QTest::newRow("third to the top")
+        << QStringList{"move", "3", "--before", "1"}
+        << QStringList{"London", "New York", "Paris", "Tokyo office"} << 0;
+    QTest::newRow("first to the end")
+        << QStringList{"move", "New York", "--to-end"}
+        << QStringList{"Paris", "London", "Tokyo office", "New York"} << 0;
+    QTest::newRow("before itself")
+        << QStringList{"move", "2", "--before", "Paris"} << unchanged << 2;
+    QTest::newRow("both ways") << QStringList{"move", "2", "--before", "1", "--to-end"} << unchanged
+                               << 2;
+    QTest::newRow("no way") << QStringList{"move", "2"} << unchanged << 2;
+    QTest::newRow("unknown anchor")
+        << QStringList{"move", "2", "--before", "Oslo"} << unchanged << 2;
+}
+
+void TestCommandLine::move()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, expected);
+    QFETCH(int, exitCode);
+    saveZones(workedExampleZones());
+    const Result result = run(arguments);
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(result.err.isEmpty(), exitCode == 0);
+    QCOMPARE(names(), expected);
+}
+
+void TestCommandLine::search()
+{
+    saveZones(workedExampleZones());
+    const Result result = run({"search", "stockholm"});
+    QCOMPARE(result.exitCode, 0);
+    const QStringList lines = result.out.split(u'\n', Qt::SkipEmptyParts);
+    QVERIFY(!lines.isEmpty());
+    QVERIFY2(lines[0].startsWith(QStringLiteral("Stockholm")), qPrintable(lines[0]));
+    QVERIFY(lines[0].contains(QStringLiteral("Sweden · Europe/Stockholm")));
+
+    // A blank query lists the suggestions, marking those already saved.
+    const QStringList suggestions = run({"search", "  "}).out.split(u'\n', Qt::SkipEmptyParts);
+    QCOMPARE(suggestions.size(), 6);
+    QVERIFY(suggestions[0].startsWith(QStringLiteral("Tokyo")));
+    QVERIFY(!suggestions[0].contains(QStringLiteral("(added)"))); // saved with a nickname
+    QVERIFY(suggestions[2].startsWith(QStringLiteral("New York")));
+    QVERIFY(suggestions[2].contains(QStringLiteral("(added)")));
+
+    const Result nothing = run({"search", "zzzz"});
+    QCOMPARE(nothing.exitCode, 1);
+    QCOMPARE(nothing.out, QString());
+    QVERIFY(nothing.err.contains(QStringLiteral("\"zzzz\"")));
+}
+
+void TestCommandLine::searchJson()
+{
+    saveZones(workedExampleZones());
+    const Result result = run({"search", "São Paulo", "--json"});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonArray results = QJsonDocument::fromJson(result.out.toUtf8()).array();
+    QVERIFY(!results.isEmpty());
+    const QJsonObject first = results[0].toObject();
+    QCOMPARE(first["title"].toString(), QStringLiteral("São Paulo"));
+    QCOMPARE(first["identifier"].toString(), QStringLiteral("America/Sao_Paulo"));
+    QCOMPARE(first["nickname"].toString(), QStringLiteral("São Paulo")); // differs from "Sao Paulo"
+    QCOMPARE(first["alreadyAdded"].toBool(), false);
+    QVERIFY(QRegularExpression("^\\d\\d:\\d\\d$").match(first["time"].toString()).hasMatch());
+    QCOMPARE(run({"search", "zzzz", "--json"}).out, QStringLiteral("[]\n"));
+}
+
+void TestCommandLine::format()
+{
+    saveZones(workedExampleZones());
+    QCOMPARE(run({"format"}).out, QStringLiteral("labelTime24\n"));
+    QCOMPARE(run({"format", "labelDayTime24"}).exitCode, 0);
+    QCOMPARE(run({"format"}).out, QStringLiteral("labelDayTime24\n"));
+    const Result wrong = run({"format", "Label + day + 24h"});
+    QCOMPARE(wrong.exitCode, 2);
+    QVERIFY(wrong.err.contains(QStringLiteral("labelTime24Seconds")));
+    QCOMPARE(run({"format"}).out, QStringLiteral("labelDayTime24\n"));
+}
+
+void TestCommandLine::watchPrintsOnEveryTick()
+{
+    saveZones(workedExampleZones());
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("Asia/Tokyo"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(ZONARA_BINARY),
+                  {"watch", "--json", "--format", "labelTime24Seconds"});
+    QList<QJsonObject> objects;
+    QList<QDateTime> arrivals;
+    while (objects.size() < 4 && process.waitForReadyRead(5000)) {
+        while (process.canReadLine()) {
+            arrivals.append(QDateTime::currentDateTimeUtc());
+            objects.append(QJsonDocument::fromJson(process.readLine()).object());
+        }
+    }
+    process.kill();
+    process.waitForFinished(5000);
+    QCOMPARE(objects.size(), 4);
+
+    for (qsizetype i = 0; i < objects.size(); ++i) {
+        const QJsonObject &object = objects[i];
+        QCOMPARE(object["class"].toString(), QStringLiteral("pinned"));
+        const QString text = object["text"].toString();
+        const QRegularExpressionMatch match =
+            QRegularExpression(
+                "^NYC \\d\\d:\\d\\d:(\\d\\d)  LON \\d\\d:\\d\\d:\\d\\d  Tokyo office "
+                "\\d\\d:\\d\\d:(\\d\\d)$")
+                .match(text);
+        QVERIFY2(match.hasMatch(), qPrintable(text));
+        const QStringList tooltip = object["tooltip"].toString().split(u'\n');
+        QCOMPARE(tooltip.size(), 4);
+        QVERIFY2(tooltip[3].startsWith(QStringLiteral("Tokyo office ")), qPrintable(tooltip[3]));
+        QVERIFY(tooltip[3].endsWith(QStringLiteral("JST · local")));
+        if (i == 0)
+            continue;
+        // Each line shows the second it was printed in (read here at most a
+        // second later), and a new second each time: a tick that came before
+        // its boundary would print the old second twice.
+        const int printed = match.captured(1).toInt();
+        const int arrived = arrivals[i].time().second();
+        QVERIFY2(printed == arrived || printed == (arrived + 59) % 60,
+                 qPrintable(QStringLiteral("%1 printed, arrived in %2").arg(printed).arg(arrived)));
+        QVERIFY(object["text"] != objects[i - 1]["text"]);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

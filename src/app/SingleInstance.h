@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+
+class QLocalServer;
+
+// One Zonara per user session. The first process owns the bus name and
+// answers org.freedesktop.Application; a later launch hands its request to
+// it and exits. Without a session bus a user-only local socket does the same.
+class SingleInstance final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SingleInstance(const QDBusConnection &bus, QObject *parent = nullptr);
+    ~SingleInstance() override;
+
+    // Becomes the running instance; false when another one already is.
+    bool claim();
+    // Asks the running instance to re-open (or to show its settings). True
+    // when it was reached.
+    bool forward(bool showSettings);
+
+    bool usesBus() const { return m_bus.isConnected(); }
+    // The object the bus interfaces hang on; null before claim() or without a bus.
+    QObject *exportedObject() const { return m_exported; }
+
+    // Called by the bus adaptor.
+    void requestActivate();
+    void requestSettings();
+
+Q_SIGNALS:
+    // A re-launch: show settings when no window is visible.
+    void reopenRequested();
+    // A re-launch with --settings.
+    void settingsRequested();
+
+private:
+    bool claimLocalSocket();
+    bool forwardToLocalSocket(bool showSettings);
+    QString socketName() const;
+
+    QDBusConnection m_bus;
+    QLocalServer *m_server = nullptr;
+    QObject *m_exported = nullptr;
+    bool m_ownsName = false;
+};

@@ -1,0 +1,105 @@
+#include "ZonaraApp.h"
+
+#include "PanelWindow.h"
+#include "SettingsWindow.h"
+#include "SingleInstance.h"
+#include "TimeZoneDatabase.h"
+#include "TrayIcon.h"
+#include "ZoneService.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QLabel>
+#include <QTimer>
+
+#include <cstdio>
+
+ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *parent)
+    : QObject(parent)
+    , m_store(m_preferences, TimeZoneDatabase::lookup())
+    , m_updater(m_preferences)
+    , m_label(m_store, m_clock)
+    , m_tray(std::make_unique<TrayIcon>(QDBusConnection::sessionBus()))
+    , m_panel(std::make_unique<PanelWindow>(m_clock))
+{
+    connect(&m_timeWatcher, &SystemTimeWatcher::timeChanged, &m_clock, &Clock::realign);
+    connect(&m_store, &ZoneStore::formatChanged, this, &ZonaraApp::followFormat);
+    followFormat();
+
+    auto *placeholder = new QLabel(QStringLiteral("Your cities will appear here."));
+    placeholder->setAlignment(Qt::AlignCenter);
+    m_panel->setContent(placeholder);
+
+    connect(&m_label, &MenuBarLabel::textChanged, this, &ZonaraApp::updateTray);
+    connect(m_tray.get(), &TrayIcon::activated, this, &ZonaraApp::togglePanelAt);
+    connect(m_tray.get(), &TrayIcon::showRequested, this, [this] { m_panel->openAt(QPoint()); });
+    connect(m_tray.get(), &TrayIcon::settingsRequested, this, &ZonaraApp::showSettings);
+    connect(m_tray.get(), &TrayIcon::quitRequested, this, &ZonaraApp::quit);
+    connect(m_tray.get(), &TrayIcon::kindChanged, this, &ZonaraApp::followTrayKind);
+    updateTray();
+    followTrayKind();
+
+    // The command line edits through this store while Zonara runs.
+    if (QObject *exported = instance.exportedObject())
+        new ZoneService(m_store, exported);
+
+    connect(&instance, &SingleInstance::reopenRequested, this, &ZonaraApp::reopen);
+    connect(&instance, &SingleInstance::settingsRequested, this, &ZonaraApp::showSettings);
+    if (openSettings)
+        QTimer::singleShot(0, this, &ZonaraApp::showSettings);
+}
+
+ZonaraApp::~ZonaraApp() = default;
+
+void ZonaraApp::followFormat()
+{
+    m_clock.setShowsSeconds(m_store.format() == MenuBarFormat::labelTime24Seconds);
+}
+
+void ZonaraApp::updateTray()
+{
+    m_tray->setLine(m_label.text(), m_label.accessibleName());
+}
+
+void ZonaraApp::followTrayKind()
+{
+    if (m_tray->kind() != TrayIcon::Kind::None)
+        return;
+    // Never unreachable: without any tray the panel is an ordinary window.
+    std::fputs("zonara: no system tray was found; showing Zonara in a window\n", stderr);
+    m_panel->openAsWindow();
+}
+
+void ZonaraApp::showSettings()
+{
+    if (!m_settings) {
+        m_settings = std::make_unique<SettingsWindow>();
+        connect(m_settings.get(), &SettingsWindow::quitRequested, this, &ZonaraApp::quit);
+    }
+    m_settings->present();
+}
+
+void ZonaraApp::togglePanelAt(const QPoint &globalPosition)
+{
+    if (m_panel->isVisible() && m_panel->isActiveWindow()) {
+        m_panel->hide();
+        return;
+    }
+    m_panel->openAt(globalPosition);
+}
+
+void ZonaraApp::reopen()
+{
+    if (!hasVisibleWindow())
+        showSettings();
+}
+
+void ZonaraApp::quit()
+{
+    QApplication::quit();
+}
+
+bool ZonaraApp::hasVisibleWindow() const
+{
+    return m_panel->isVisible() || (m_settings && m_settings->isVisible());
+}

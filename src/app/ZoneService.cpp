@@ -1,0 +1,76 @@
+#include "ZoneService.h"
+
+#include "StoreZoneEditor.h"
+#include "ZoneListCodec.h"
+#include "ZoneStore.h"
+
+namespace {
+
+std::optional<QString> nicknameFrom(bool hasNickname, const QString &nickname)
+{
+    return hasNickname ? std::optional(nickname) : std::nullopt;
+}
+
+bool done(ZoneEditor::Result result)
+{
+    return result == ZoneEditor::Result::Done;
+}
+
+} // namespace
+
+const QString ZoneService::interfaceName = QStringLiteral("io.github.zonara.Zones1");
+
+ZoneService::ZoneService(ZoneStore &store, QObject *parent)
+    : QDBusAbstractAdaptor(parent)
+    , m_store(store)
+{}
+
+QByteArray ZoneService::Zones() const
+{
+    return ZoneListCodec::encode(m_store.zones()).value_or(QByteArray());
+}
+
+QString ZoneService::Format() const
+{
+    return MenuBarFormats::rawValue(m_store.format());
+}
+
+bool ZoneService::Add(const QString &identifier, bool hasNickname, const QString &nickname,
+                      bool pinned)
+{
+    return done(
+        StoreZoneEditor(m_store).add(identifier, nicknameFrom(hasNickname, nickname), pinned));
+}
+
+bool ZoneService::Rename(const QString &id, bool hasNickname, const QString &nickname)
+{
+    return done(StoreZoneEditor(m_store).rename(QUuid::fromString(id),
+                                                nicknameFrom(hasNickname, nickname)));
+}
+
+bool ZoneService::SetPinned(const QString &id, bool pinned)
+{
+    return done(StoreZoneEditor(m_store).setPinned(QUuid::fromString(id), pinned));
+}
+
+bool ZoneService::Remove(const QString &id)
+{
+    return done(StoreZoneEditor(m_store).remove(QUuid::fromString(id)));
+}
+
+bool ZoneService::MoveZones(const QStringList &ids, const QString &before)
+{
+    QList<QUuid> uuids;
+    for (const QString &id : ids)
+        uuids.append(QUuid::fromString(id));
+    std::optional<QUuid> anchor;
+    if (!before.isEmpty())
+        anchor = QUuid::fromString(before);
+    return done(StoreZoneEditor(m_store).moveZones(uuids, anchor));
+}
+
+bool ZoneService::SetFormat(const QString &format)
+{
+    const std::optional<MenuBarFormat> chosen = MenuBarFormats::fromRawValue(format);
+    return chosen && done(StoreZoneEditor(m_store).setFormat(*chosen));
+}

@@ -1,0 +1,135 @@
+#include "FakeStatusNotifierWatcher.h"
+#include "SettingsPreferencesStore.h"
+#include "ZoneListCodec.h"
+#include "ZoneStore.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString serviceName = QStringLiteral("io.github.zonara.Zonara");
+
+} // namespace
+
+// The command line next to a running Zonara: every edit goes through it.
+class TestCommandLineBus final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void editsReachTheRunningInstance();
+
+private:
+    QProcessEnvironment environment() const;
+    int run(const QStringList &arguments, QString *out = nullptr);
+    QString trayLabel();
+
+    QTemporaryDir m_home;
+    FakeStatusNotifierWatcher m_watcher;
+    QProcess m_zonara;
+};
+
+QProcessEnvironment TestCommandLineBus::environment() const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("Europe/Stockholm"));
+    return environment;
+}
+
+void TestCommandLineBus::initTestCase()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    QVERIFY2(bus.isConnected(), "run inside dbus-run-session");
+    QVERIFY(m_watcher.start(bus));
+    QVERIFY(m_home.isValid());
+
+    SettingsPreferencesStore preferences(m_home.filePath(QStringLiteral("zonara/zonara.conf")));
+    const QList<SavedZone> zones{
+        {QUuid::createUuid(), QStringLiteral("Europe/London"), std::nullopt, true}};
+    preferences.writeBytes(ZoneStore::zonesKey, *ZoneListCodec::encode(zones));
+    preferences.writeBool(ZoneStore::seededKey, true);
+
+    m_zonara.setProcessEnvironment(environment());
+    m_zonara.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_zonara.start(QStringLiteral(ZONARA_BINARY), QStringList());
+    QTRY_VERIFY_WITH_TIMEOUT(bus.interface()->isServiceRegistered(serviceName), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_watcher.items().isEmpty(), 10000);
+}
+
+void TestCommandLineBus::cleanupTestCase()
+{
+    m_zonara.kill();
+    m_zonara.waitForFinished(5000);
+}
+
+int TestCommandLineBus::run(const QStringList &arguments, QString *out)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(QStringLiteral(ZONARA_BINARY), arguments);
+    if (!process.waitForFinished(30000))
+        return -1;
+    if (out)
+        *out = QString::fromUtf8(process.readAllStandardOutput());
+    return process.exitCode();
+}
+
+QString TestCommandLineBus::trayLabel()
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        m_watcher.items().constFirst(), QStringLiteral("/StatusNotifierItem"),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    call << QStringLiteral("org.kde.StatusNotifierItem") << QStringLiteral("XAyatanaLabel");
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 5000);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return QStringLiteral("<no answer>");
+    return reply.arguments().constFirst().value<QDBusVariant>().variant().toString();
+}
+
+void TestCommandLineBus::editsReachTheRunningInstance()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(trayLabel().left(4), QStringLiteral("LON "), 5000);
+
+    QCOMPARE(run({"add", "Asia/Tokyo", "--pin"}), 0);
+    // The running instance knows at once: its tray line already has Tokyo.
+    QTRY_VERIFY_WITH_TIMEOUT(trayLabel().contains(QStringLiteral("TYO ")), 5000);
+    QCOMPARE(run({"add", "Asia/Tokyo", "--pin"}), 1);
+
+    // Its next own edits keep what the command line added.
+    QCOMPARE(run({"unpin", "London"}), 0);
+    QCOMPARE(run({"rename", "Tokyo", "Office"}), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(trayLabel().startsWith(QStringLiteral("Office ")), 5000);
+    QCOMPARE(run({"format", "timeOnly24"}), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!trayLabel().contains(QStringLiteral("Office")), 5000);
+
+    QString out;
+    QCOMPARE(run({"list", "--json"}, &out), 0);
+    const QJsonArray zones = QJsonDocument::fromJson(out.toUtf8()).array();
+    QCOMPARE(zones.size(), 2);
+    QCOMPARE(zones.at(0).toObject().value("pinned").toBool(), false);
+    QCOMPARE(zones.at(1).toObject().value("displayName").toString(), QStringLiteral("Office"));
+
+    // What the instance holds is what its file holds.
+    SettingsPreferencesStore file(m_home.filePath(QStringLiteral("zonara/zonara.conf")));
+    const std::optional<QList<SavedZone>> stored =
+        ZoneListCodec::decode(file.readBytes(ZoneStore::zonesKey).value_or(QByteArray()));
+    QVERIFY(stored);
+    QCOMPARE(stored->size(), 2);
+    QCOMPARE(stored->at(1).customLabel, std::optional(QStringLiteral("Office")));
+    QCOMPARE(file.readText(ZoneStore::formatKey), std::optional(QStringLiteral("timeOnly24")));
+    QCOMPARE(m_zonara.state(), QProcess::Running);
+}
+
+QTEST_GUILESS_MAIN(TestCommandLineBus)
+#include "tst_commandlinebus.moc"
