@@ -1,15 +1,12 @@
 #include "CityCatalog.h"
 
+#include "CatalogJsonReader.h"
 #include "FoldedCities.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSet>
 
 namespace {
 
@@ -60,35 +57,7 @@ QList<CityEntry> load(const QString &fileName)
 
 QList<CityEntry> decode(const QByteArray &json)
 {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-    if (error.error != QJsonParseError::NoError || !document.isArray())
-        return {};
-
-    // Identifiers and countries repeat across thousands of cities; sharing
-    // one copy of each keeps the resident catalogue much smaller.
-    QSet<QString> pool;
-    const auto pooled = [&pool](const QJsonValue &value) {
-        const QString text = value.toString();
-        const auto known = pool.constFind(text);
-        return known != pool.cend() ? *known : *pool.insert(text);
-    };
-
-    const QJsonArray array = document.array();
-    QList<CityEntry> cities;
-    cities.reserve(array.size());
-    for (const QJsonValue &element : array) {
-        if (!element.isObject())
-            return {};
-        const QJsonObject object = element.toObject();
-        const QJsonValue name = object.value(QLatin1StringView("name"));
-        const QJsonValue identifier = object.value(QLatin1StringView("identifier"));
-        const QJsonValue country = object.value(QLatin1StringView("country"));
-        if (!name.isString() || !identifier.isString() || !country.isString())
-            return {};
-        cities.append({name.toString(), pooled(identifier), pooled(country)});
-    }
-    return cities;
+    return CatalogJsonReader::read(json).value_or(QList<CityEntry>());
 }
 
 } // namespace CityCatalog

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "CityEntry.h"
+
+#include <QByteArrayView>
+#include <QList>
+
+#include <optional>
+
+// Reads the catalogue's JSON in one pass, straight into entries: a strict JSON
+// reader (any malformed text fails) that keeps only the three members of each
+// object. Much lighter than building a QJsonDocument of the whole file first.
+class CatalogJsonReader final
+{
+public:
+    // The entries in file order, or nothing when the text is not valid JSON,
+    // its top level is not an array of objects, or an object lacks one of the
+    // three string members.
+    static std::optional<QList<CityEntry>> read(QByteArrayView json);
+
+private:
+    explicit CatalogJsonReader(QByteArrayView json);
+
+    bool readCatalogue(QList<CityEntry> &cities);
+    bool readEntry(CityEntry &entry);
+    bool skipValue(int depth);
+    bool readString(QString *text);
+    bool skipNumber();
+    bool skipLiteral(QByteArrayView literal);
+    void skipWhiteSpace();
+    bool consume(char c);
+    bool atEnd() const { return m_position >= m_json.size(); }
+    char peek() const { return atEnd() ? '\0' : m_json[m_position]; }
+
+    QByteArrayView m_json;
+    qsizetype m_position = 0;
+};
