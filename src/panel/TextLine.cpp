@@ -1,0 +1,50 @@
+#include "TextLine.h"
+
+#include "AppStyle.h"
+
+#include <QPainter>
+
+TextLine::TextLine(const QFont &font, Tone tone, QWidget *parent)
+    : QLabel(parent)
+    , m_tone(tone)
+{
+    setFont(font);
+    setTextFormat(Qt::PlainText);
+    setWordWrap(false);
+}
+
+void TextLine::setTone(Tone tone)
+{
+    if (m_tone == tone)
+        return;
+    m_tone = tone;
+    update();
+}
+
+void TextLine::setElides(bool elides)
+{
+    if (m_elides == elides)
+        return;
+    m_elides = elides;
+    setSizePolicy(elides ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Fixed);
+    updateGeometry();
+}
+
+QSize TextLine::minimumSizeHint() const
+{
+    if (m_elides)
+        return {0, sizeHint().height()};
+    return sizeHint();
+}
+
+void TextLine::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setFont(font());
+    painter.setPen(m_tone == Tone::primary ? palette().color(QPalette::WindowText)
+                                           : AppStyle::secondaryText(palette()));
+    const QRect area = contentsRect();
+    const QString shown =
+        m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, area.width()) : text();
+    painter.drawText(area, int(alignment()) | Qt::TextSingleLine, shown);
+}

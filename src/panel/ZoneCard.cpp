@@ -1,0 +1,251 @@
+#include "ZoneCard.h"
+
+#include "AppStyle.h"
+#include "CardMotion.h"
+#include "TextLine.h"
+#include "ZoneCardAccessible.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QVariantAnimation>
+
+#include <utility>
+
+namespace {
+
+constexpr int sidePadding = 14;
+constexpr int bottomPadding = 12;
+constexpr int confirmationSpacing = 12;
+
+QColor blended(const QColor &from, const QColor &to, qreal amount)
+{
+    const auto mix = [amount](float a, float b) { return a + (b - a) * float(amount); };
+    return QColor::fromRgbF(mix(from.redF(), to.redF()), mix(from.greenF(), to.greenF()),
+                            mix(from.blueF(), to.blueF()), mix(from.alphaF(), to.alphaF()));
+}
+
+} // namespace
+
+ZoneCard::ZoneCard(const State &state, QWidget *parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_row(new ZoneRow(state.row, this))
+    , m_confirmation(new QWidget(this))
+    , m_removeCancel(new QPushButton(QStringLiteral("Cancel"), m_confirmation))
+    , m_removeConfirm(new QPushButton(QStringLiteral("Remove"), m_confirmation))
+    , m_identifier(new TextLine(AppStyle::monospacedFont(10), TextLine::Tone::secondary, this))
+    , m_highlight(new QVariantAnimation(this))
+{
+    ZoneCardAccessible::install();
+    setObjectName(QStringLiteral("zone-card"));
+    setMouseTracking(false);
+
+    auto *question = new TextLine(AppStyle::uiFont(12), TextLine::Tone::primary, m_confirmation);
+    question->setObjectName(QStringLiteral("remove-question"));
+    question->setText(QStringLiteral("Remove this city?"));
+    m_removeCancel->setObjectName(QStringLiteral("remove-cancel"));
+    m_removeConfirm->setObjectName(QStringLiteral("remove-confirm"));
+    for (QPushButton *button : {m_removeCancel, m_removeConfirm})
+        button->setAutoDefault(false);
+    auto *confirmationLayout = new QHBoxLayout(m_confirmation);
+    confirmationLayout->setContentsMargins(sidePadding, 0, sidePadding, bottomPadding);
+    confirmationLayout->setSpacing(confirmationSpacing);
+    confirmationLayout->addWidget(question);
+    confirmationLayout->addStretch(1);
+    confirmationLayout->addWidget(m_removeCancel);
+    confirmationLayout->addWidget(m_removeConfirm);
+    m_confirmation->setObjectName(QStringLiteral("remove-confirmation"));
+
+    m_identifier->setObjectName(QStringLiteral("zone-identifier"));
+    m_identifier->setElides(true);
+    m_identifier->setContentsMargins(sidePadding, 0, sidePadding, bottomPadding);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_row);
+    layout->addWidget(m_confirmation);
+    layout->addWidget(m_identifier);
+
+    m_highlight->setDuration(CardMotion::highlightDurationMs);
+    m_highlight->setEasingCurve(CardMotion::highlightEasing());
+    connect(m_highlight, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant &value) { setHighlightAmount(value.toReal()); });
+    connect(m_removeCancel, &QPushButton::clicked, this, &ZoneCard::removalCancelled);
+    connect(m_removeConfirm, &QPushButton::clicked, this, &ZoneCard::removalConfirmed);
+
+    m_confirmation->setVisible(state.isConfirmingRemoval);
+    m_identifier->setVisible(state.showsIdentifier);
+    m_identifier->setText(state.row.zone.identifier);
+    setAccessibleName(state.row.zone.displayName());
+    updateRemoveColour();
+    updateHighlight(false);
+}
+
+void ZoneCard::setState(const State &state)
+{
+    if (state == m_state)
+        return;
+    const State old = std::exchange(m_state, state);
+    m_row->setState(state.row);
+    if (old.isConfirmingRemoval != state.isConfirmingRemoval)
+        m_confirmation->setVisible(state.isConfirmingRemoval);
+    if (old.showsIdentifier != state.showsIdentifier)
+        m_identifier->setVisible(state.showsIdentifier);
+    if (old.row.zone != state.row.zone) {
+        m_identifier->setText(state.row.zone.identifier);
+        setAccessibleName(state.row.zone.displayName());
+    }
+    if (old.isHighlighted != state.isHighlighted)
+        updateHighlight(!state.reduceMotion);
+}
+
+QPainterPath ZoneCard::shape() const
+{
+    QPainterPath path;
+    path.addRoundedRect(QRectF(rect()), cornerRadius, cornerRadius);
+    return path;
+}
+
+void ZoneCard::requestRename()
+{
+    Q_EMIT renameRequested();
+}
+
+void ZoneCard::requestMove(int step)
+{
+    Q_EMIT moveRequested(step);
+}
+
+void ZoneCard::paintEvent(QPaintEvent *)
+{
+    const QPalette &colours = palette();
+    const QColor accent = AppStyle::accent(colours);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+
+    painter.fillPath(shape(), colours.color(QPalette::Base));
+    if (m_highlightAmount > 0) {
+        QColor wash = accent;
+        wash.setAlphaF(float(0.06 * m_highlightAmount));
+        painter.fillPath(shape(), wash);
+    }
+    // A 1 px border drawn inside the shape.
+    QColor lit = accent;
+    lit.setAlphaF(0.5f);
+    QPen pen(blended(AppStyle::line(colours), lit, m_highlightAmount), 1);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
+                            cornerRadius - 0.5);
+}
+
+void ZoneCard::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        updateRemoveColour();
+    QWidget::changeEvent(event);
+}
+
+void ZoneCard::enterEvent(QEnterEvent *event)
+{
+    Q_EMIT hoverEntered();
+    QWidget::enterEvent(event);
+}
+
+void ZoneCard::leaveEvent(QEvent *event)
+{
+    Q_EMIT hoverLeft();
+    QWidget::leaveEvent(event);
+}
+
+void ZoneCard::mousePressEvent(QMouseEvent *event)
+{
+    // The rounded corners are not part of the card.
+    if (!shape().contains(event->position())) {
+        event->ignore();
+        return;
+    }
+    if (event->button() == Qt::LeftButton)
+        m_pressPosition = event->position().toPoint();
+    Q_EMIT pressed();
+    event->accept();
+}
+
+void ZoneCard::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_pressPosition || !(event->buttons() & Qt::LeftButton)) {
+        event->ignore();
+        return;
+    }
+    const QPoint position = event->position().toPoint();
+    if (!m_dragging) {
+        if (!m_state.row.canReorder ||
+            (position - *m_pressPosition).manhattanLength() < QApplication::startDragDistance())
+            return;
+        m_dragging = true;
+        Q_EMIT dragStarted(*m_pressPosition);
+    }
+    Q_EMIT dragMoved(event->globalPosition().toPoint());
+}
+
+void ZoneCard::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    m_pressPosition.reset();
+    if (std::exchange(m_dragging, false))
+        Q_EMIT dragFinished();
+}
+
+void ZoneCard::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || !shape().contains(event->position())) {
+        event->ignore();
+        return;
+    }
+    Q_EMIT doubleClicked();
+}
+
+void ZoneCard::contextMenuEvent(QContextMenuEvent *event)
+{
+    Q_EMIT contextMenuRequested(event->globalPos());
+}
+
+void ZoneCard::updateHighlight(bool animated)
+{
+    const qreal target = m_state.isHighlighted ? 1 : 0;
+    m_highlight->stop();
+    if (!animated) {
+        setHighlightAmount(target);
+        return;
+    }
+    m_highlight->setStartValue(m_highlightAmount);
+    m_highlight->setEndValue(target);
+    m_highlight->start();
+}
+
+void ZoneCard::updateRemoveColour()
+{
+    // The destructive action reads in red on either background.
+    QPalette colours = m_removeConfirm->palette();
+    const QColor red =
+        AppStyle::isDark(palette()) ? QColor(0xff, 0x6b, 0x60) : QColor(0xc4, 0x2b, 0x1c);
+    colours.setColor(QPalette::ButtonText, red);
+    m_removeConfirm->setPalette(colours);
+}
+
+void ZoneCard::setHighlightAmount(qreal amount)
+{
+    if (qFuzzyCompare(m_highlightAmount + 1, amount + 1))
+        return;
+    m_highlightAmount = amount;
+    update();
+    Q_EMIT highlightAmountChanged();
+}

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ZoneRow.h"
+
+#include <QPainterPath>
+#include <QPoint>
+#include <QWidget>
+
+#include <optional>
+
+class QPushButton;
+class QVariantAnimation;
+class TextLine;
+
+// The card around one zone row: a rounded, bordered surface that lights up
+// in the accent colour while hovered or selected, grows the "Remove this
+// city?" line while a removal is being confirmed, and optionally shows the
+// raw identifier. Reports pointer gestures (hover, press, double-click,
+// context menu, drag) as signals; the list decides what they do.
+class ZoneCard final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr qreal cornerRadius = 12;
+
+    struct State
+    {
+        ZoneRow::State row;
+        bool isHighlighted = false;
+        bool isConfirmingRemoval = false;
+        bool showsIdentifier = false;
+        bool reduceMotion = false;
+
+        friend bool operator==(const State &, const State &) = default;
+    };
+
+    explicit ZoneCard(const State &state, QWidget *parent = nullptr);
+
+    QUuid zoneId() const { return m_state.row.zone.id; }
+    const State &state() const { return m_state; }
+    void setState(const State &state);
+
+    ZoneRow *row() const { return m_row; }
+    // 0 at rest, 1 fully lit; between while the highlight animates.
+    qreal highlightAmount() const { return m_highlightAmount; }
+    // The card's shape, which is also its hit area, in its own coordinates.
+    QPainterPath shape() const;
+
+    // For assistive technology's named actions.
+    void requestRename();
+    void requestMove(int step);
+
+Q_SIGNALS:
+    void hoverEntered();
+    void hoverLeft();
+    void pressed();
+    void doubleClicked();
+    void contextMenuRequested(const QPoint &globalPosition);
+    void dragStarted(const QPoint &pressPosition);
+    void dragMoved(const QPoint &globalPosition);
+    void dragFinished();
+    void renameRequested();
+    void moveRequested(int step);
+    void removalCancelled();
+    void removalConfirmed();
+    void highlightAmountChanged();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void updateHighlight(bool animated);
+    void updateRemoveColour();
+    void setHighlightAmount(qreal amount);
+
+    State m_state;
+    ZoneRow *m_row;
+    QWidget *m_confirmation;
+    QPushButton *m_removeCancel;
+    QPushButton *m_removeConfirm;
+    TextLine *m_identifier;
+    QVariantAnimation *m_highlight;
+    qreal m_highlightAmount = 0;
+    std::optional<QPoint> m_pressPosition;
+    bool m_dragging = false;
+};

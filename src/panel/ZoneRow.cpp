@@ -1,0 +1,223 @@
+#include "ZoneRow.h"
+
+#include "AppStyle.h"
+#include "DecorativeAccessible.h"
+#include "InlineEditButton.h"
+#include "NameField.h"
+#include "TextLine.h"
+#include "ZoneRowTexts.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QToolButton>
+
+#include <utility>
+
+namespace {
+
+constexpr int padding = 14;
+constexpr int itemSpacing = 10;
+constexpr int handleWidth = 10;
+constexpr int nameLineSpacing = 5;
+// The flexible space before the time: at least 4, between two item gaps.
+constexpr int minimumTimeGap = itemSpacing + 4 + itemSpacing;
+constexpr int buttonSpacing = 4;
+constexpr QSize buttonSize(28, 32);
+constexpr int symbolSide = 16;
+constexpr int fieldHeight = 26;
+
+QToolButton *symbolButton(const QString &objectName, QWidget *parent)
+{
+    auto *button = new QToolButton(parent);
+    button->setObjectName(objectName);
+    button->setAutoRaise(true);
+    button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    button->setIconSize(QSize(symbolSide, symbolSide));
+    button->setFixedSize(buttonSize);
+    button->setFocusPolicy(Qt::TabFocus);
+    return button;
+}
+
+} // namespace
+
+ZoneRow::ZoneRow(const State &state, QWidget *parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_handle(new QLabel(this))
+    , m_nameBlock(new QWidget(this))
+    , m_nameLayout(new QVBoxLayout(m_nameBlock))
+    , m_name(
+          new TextLine(AppStyle::uiFont(14, QFont::DemiBold), TextLine::Tone::primary, m_nameBlock))
+    , m_subtitle(new TextLine(AppStyle::uiFont(11), TextLine::Tone::secondary, m_nameBlock))
+    , m_time(new TextLine(AppStyle::monospacedFont(22), TextLine::Tone::primary, this))
+    , m_pin(symbolButton(QStringLiteral("pin-button"), this))
+    , m_rename(symbolButton(QStringLiteral("rename-button"), this))
+    , m_cancel(new InlineEditButton(AppStyle::symbolPath(QStringLiteral("xmark")),
+                                    QStringLiteral("Cancel rename (Escape)"), this))
+    , m_save(new InlineEditButton(AppStyle::symbolPath(QStringLiteral("checkmark")),
+                                  QStringLiteral("Save name (Return)"), this))
+{
+    m_handle->setObjectName(QStringLiteral("zone-handle"));
+    m_handle->setFixedWidth(handleWidth);
+    m_handle->setAlignment(Qt::AlignCenter);
+    m_handle->setToolTip(QStringLiteral("Drag to reorder"));
+    DecorativeAccessible::hide(m_handle);
+
+    m_nameBlock->setObjectName(QStringLiteral("zone-name-block"));
+    m_nameBlock->setToolTip(QStringLiteral("Double-click to rename. Drag to reorder."));
+    m_nameBlock->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_nameLayout->setContentsMargins(0, 0, 0, 0);
+    m_nameLayout->setSpacing(nameLineSpacing);
+    m_name->setObjectName(QStringLiteral("zone-name"));
+    m_name->setElides(true);
+    m_name->setToolTip(QStringLiteral("Double-click to rename"));
+    m_name->installEventFilter(this);
+    m_subtitle->setObjectName(QStringLiteral("zone-subtitle"));
+    m_subtitle->setElides(true);
+    m_nameLayout->addWidget(m_name);
+    m_nameLayout->addWidget(m_subtitle);
+
+    // The time is never cut: the name gives way instead.
+    m_time->setObjectName(QStringLiteral("zone-time"));
+    m_time->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+
+    m_rename->setToolTip(QStringLiteral("Edit nickname"));
+    for (InlineEditButton *button : {m_cancel, m_save})
+        button->setFixedSize(buttonSize);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->setSpacing(buttonSpacing);
+    for (QWidget *button : {static_cast<QWidget *>(m_pin), static_cast<QWidget *>(m_rename),
+                            static_cast<QWidget *>(m_cancel), static_cast<QWidget *>(m_save)})
+        buttons->addWidget(button);
+
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->setSpacing(0);
+    layout->addWidget(m_handle);
+    layout->addSpacing(itemSpacing);
+    layout->addWidget(m_nameBlock, 1);
+    layout->addSpacing(minimumTimeGap);
+    layout->addWidget(m_time);
+    layout->addSpacing(itemSpacing);
+    layout->addLayout(buttons);
+
+    connect(m_pin, &QToolButton::clicked, this, &ZoneRow::togglePinRequested);
+    connect(m_rename, &QToolButton::clicked, this, &ZoneRow::beginRenameRequested);
+    connect(m_cancel, &QToolButton::clicked, this, &ZoneRow::cancelRenameRequested);
+    connect(m_save, &QToolButton::clicked, this, &ZoneRow::saveRenameRequested);
+
+    updateTexts();
+    updateSymbols();
+    updateRenaming();
+}
+
+void ZoneRow::setState(const State &state)
+{
+    if (state == m_state)
+        return;
+    const State old = std::exchange(m_state, state);
+    const bool textsChanged = old.zone != state.zone || old.now != state.now ||
+                              old.format != state.format || old.localZone != state.localZone;
+    if (textsChanged)
+        updateTexts();
+    if (textsChanged || old.isReorderHighlighted != state.isReorderHighlighted ||
+        old.canReorder != state.canReorder)
+        updateSymbols();
+    if (old.isRenaming != state.isRenaming || old.draftName != state.draftName ||
+        old.zone.identifier != state.zone.identifier)
+        updateRenaming();
+}
+
+void ZoneRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        updateSymbols();
+    QWidget::changeEvent(event);
+}
+
+bool ZoneRow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_name && event->type() == QEvent::MouseButtonDblClick) {
+        Q_EMIT beginRenameRequested();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void ZoneRow::updateTexts()
+{
+    const SavedZone &zone = m_state.zone;
+    const QString displayName = zone.displayName();
+    const QString time = ZoneRowTexts::timeText(zone, m_state.format, m_state.now);
+    m_name->setText(displayName);
+    m_subtitle->setText(ZoneRowTexts::subtitle(zone, m_state.now, m_state.localZone));
+    m_time->setText(time);
+    m_time->setAccessibleName(ZoneRowTexts::timeAccessibleName(displayName, time));
+    m_pin->setToolTip(ZoneRowTexts::pinToolTip(zone.isPinned));
+    m_pin->setAccessibleName(ZoneRowTexts::pinAccessibleName(zone));
+    m_rename->setAccessibleName(ZoneRowTexts::renameAccessibleName(zone));
+    if (m_field)
+        m_field->setAccessibleName(ZoneRowTexts::nicknameAccessibleName(zone));
+}
+
+void ZoneRow::updateSymbols()
+{
+    const QPalette &colours = palette();
+    const QColor secondary = AppStyle::secondaryText(colours);
+    const QColor accent = AppStyle::accent(colours);
+
+    // Transparent, not hidden, so the name keeps its place.
+    QColor handle = Qt::transparent;
+    if (m_state.canReorder) {
+        handle = m_state.isReorderHighlighted ? accent : secondary;
+        handle.setAlphaF(handle.alphaF() * (m_state.isReorderHighlighted ? 0.9f : 0.3f));
+    }
+    m_handle->setPixmap(AppStyle::symbolPixmap(QStringLiteral("drag-handle"), handle, handleWidth,
+                                               devicePixelRatioF()));
+
+    const bool pinned = m_state.zone.isPinned;
+    m_pin->setIcon(AppStyle::symbol(pinned ? QStringLiteral("pin-fill") : QStringLiteral("pin"),
+                                    pinned ? accent : secondary, symbolSide));
+    m_rename->setIcon(AppStyle::symbol(QStringLiteral("pencil"), secondary, symbolSide));
+}
+
+void ZoneRow::updateRenaming()
+{
+    const bool renaming = m_state.isRenaming;
+    if (renaming && !m_field) {
+        m_field = new NameField(m_nameBlock);
+        m_field->setObjectName(QStringLiteral("city-nickname"));
+        m_field->setPlaceholderText(QStringLiteral("City name"));
+        m_field->setFixedHeight(fieldHeight);
+        m_field->setBoundText(m_state.draftName);
+        connect(m_field, &QLineEdit::textEdited, this, &ZoneRow::draftNameEdited);
+        const auto save = [this](const QString &text) {
+            Q_EMIT draftNameEdited(text);
+            Q_EMIT saveRenameRequested();
+        };
+        connect(m_field, &FocusedTextInput::saveRequested, this, save);
+        connect(m_field, &FocusedTextInput::focusLost, this, save);
+        connect(m_field, &FocusedTextInput::cancelRequested, this, &ZoneRow::cancelRenameRequested);
+        m_nameLayout->insertWidget(0, m_field);
+        m_name->hide();
+        m_field->show();
+    } else if (!renaming && m_field) {
+        // Deleted later: the field may be the sender of the signal that ended the rename.
+        NameField *field = m_field;
+        m_field = nullptr;
+        field->hide();
+        field->deleteLater();
+        m_name->show();
+    }
+    if (m_field) {
+        m_field->setBoundText(m_state.draftName);
+        m_field->setAccessibleName(ZoneRowTexts::nicknameAccessibleName(m_state.zone));
+    }
+    m_pin->setVisible(!renaming);
+    m_rename->setVisible(!renaming);
+    m_cancel->setVisible(renaming);
+    m_save->setVisible(renaming);
+}

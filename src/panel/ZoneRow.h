@@ -1,0 +1,79 @@
+#pragma once
+
+#include "MenuBarFormat.h"
+#include "NameField.h"
+#include "SavedZone.h"
+
+#include <QDateTime>
+#include <QPointer>
+#include <QTimeZone>
+#include <QWidget>
+
+class InlineEditButton;
+class QLabel;
+class QToolButton;
+class QVBoxLayout;
+class TextLine;
+
+// One saved zone as one line: drag handle, name over the offset line, the
+// time in large digits, and the pin and rename buttons, which give way to
+// Cancel and Save while the name is a rename field. A view of the state it
+// is given: it decides nothing and reports every action as a signal.
+class ZoneRow final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    struct State
+    {
+        SavedZone zone;
+        QDateTime now;
+        MenuBarFormat format = MenuBarFormat::labelTime24;
+        QTimeZone localZone;
+        bool isRenaming = false;
+        QString draftName;
+        bool isReorderHighlighted = false;
+        bool canReorder = true;
+
+        friend bool operator==(const State &, const State &) = default;
+    };
+
+    explicit ZoneRow(const State &state, QWidget *parent = nullptr);
+
+    const State &state() const { return m_state; }
+    // Updates in place only what differs from the current state.
+    void setState(const State &state);
+
+    // The rename field while renaming, otherwise null.
+    NameField *nameField() const { return m_field; }
+
+Q_SIGNALS:
+    void togglePinRequested();
+    void beginRenameRequested();
+    void saveRenameRequested();
+    void cancelRenameRequested();
+    // The rename field's text, on every keystroke and before a save.
+    void draftNameEdited(const QString &text);
+
+protected:
+    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void updateTexts();
+    void updateSymbols();
+    void updateRenaming();
+
+    State m_state;
+    QLabel *m_handle;
+    QWidget *m_nameBlock;
+    QVBoxLayout *m_nameLayout;
+    TextLine *m_name;
+    TextLine *m_subtitle;
+    TextLine *m_time;
+    QToolButton *m_pin;
+    QToolButton *m_rename;
+    InlineEditButton *m_cancel;
+    InlineEditButton *m_save;
+    QPointer<NameField> m_field;
+};

@@ -1,0 +1,104 @@
+#include "InlineEditButton.h"
+#include "NameField.h"
+
+#include <QImage>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int timeout = 5000;
+const QString symbol = QStringLiteral(":/icons/search.svg");
+
+// The colours of the opaque pixels of an icon, at one device pixel ratio.
+QSet<QRgb> opaqueColours(const QIcon &icon, qreal ratio)
+{
+    const QImage image =
+        icon.pixmap(QSize(16, 16), ratio).toImage().convertToFormat(QImage::Format_ARGB32);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) == 255)
+                colours.insert(image.pixel(x, y) | 0xff000000);
+        }
+    }
+    return colours;
+}
+
+} // namespace
+
+class TestInlineEditButton final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void marksItselfAsAnEditAction();
+    void titleIsTooltipAndAccessibleName_data();
+    void titleIsTooltipAndAccessibleName();
+    void symbolFollowsThePalette();
+    void pressKeepsTheFieldFocusedAndEditing();
+};
+
+void TestInlineEditButton::marksItselfAsAnEditAction()
+{
+    InlineEditButton button(symbol, QStringLiteral("Save name (Return)"));
+    QCOMPARE(button.objectName(), QStringLiteral("inline-rename-action"));
+    QCOMPARE(button.focusPolicy(), Qt::NoFocus);
+    QCOMPARE(button.toolButtonStyle(), Qt::ToolButtonIconOnly);
+    QVERIFY(button.text().isEmpty());
+    QVERIFY(!button.icon().isNull());
+}
+
+void TestInlineEditButton::titleIsTooltipAndAccessibleName_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::newRow("cancel") << "Cancel rename (Escape)";
+    QTest::newRow("save") << "Save name (Return)";
+}
+
+void TestInlineEditButton::titleIsTooltipAndAccessibleName()
+{
+    QFETCH(QString, title);
+    InlineEditButton button(symbol, QStringLiteral("Before"));
+    button.setTitle(title);
+    QCOMPARE(button.title(), title);
+    QCOMPARE(button.toolTip(), title);
+    QCOMPARE(button.accessibleName(), title);
+}
+
+void TestInlineEditButton::symbolFollowsThePalette()
+{
+    InlineEditButton button(symbol, QStringLiteral("Save name (Return)"));
+    QPalette palette = button.palette();
+    palette.setColor(QPalette::WindowText, QColor(200, 20, 20));
+    button.setPalette(palette);
+    QCOMPARE(opaqueColours(button.icon(), 1), QSet<QRgb>{qRgb(200, 20, 20)});
+    QCOMPARE(opaqueColours(button.icon(), 2), QSet<QRgb>{qRgb(200, 20, 20)});
+    palette.setColor(QPalette::WindowText, QColor(20, 20, 200));
+    button.setPalette(palette);
+    QCOMPARE(opaqueColours(button.icon(), 1), QSet<QRgb>{qRgb(20, 20, 200)});
+}
+
+void TestInlineEditButton::pressKeepsTheFieldFocusedAndEditing()
+{
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *field = new NameField(&window);
+    auto *save = new InlineEditButton(symbol, QStringLiteral("Save name (Return)"), &window);
+    layout->addWidget(field);
+    layout->addWidget(save);
+    window.show();
+    QTRY_VERIFY_WITH_TIMEOUT(field->hasFocus(), timeout);
+    QSignalSpy clicked(save, &QToolButton::clicked);
+    QSignalSpy lost(field, &FocusedTextInput::focusLost);
+
+    QTest::mouseClick(save, Qt::LeftButton);
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(lost.count(), 0);
+    QVERIFY(field->hasFocus());
+    QVERIFY(!field->isFinished());
+}
+
+QTEST_MAIN(TestInlineEditButton)
+#include "tst_inlineeditbutton.moc"
