@@ -46,6 +46,8 @@ void PanelWindow::openAsWindow()
 {
     m_popup = false;
     setWindowFlags(Qt::Window);
+    if (QScreen *screen = QGuiApplication::primaryScreen())
+        move(screen->availableGeometry().center() - rect().center());
     present();
 }
 
