@@ -5,11 +5,11 @@
 #include "SingleInstance.h"
 #include "TimeZoneDatabase.h"
 #include "TrayIcon.h"
+#include "ZoneListView.h"
 #include "ZoneService.h"
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QLabel>
 #include <QTimer>
 
 #include <cstdio>
@@ -26,9 +26,20 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *paren
     connect(&m_store, &ZoneStore::formatChanged, this, &ZonaraApp::followFormat);
     followFormat();
 
-    auto *placeholder = new QLabel(QStringLiteral("Your cities will appear here."));
-    placeholder->setAlignment(Qt::AlignCenter);
-    m_panel->setContent(placeholder);
+    auto *list = new ZoneListView(m_store, m_clock);
+    m_panel->setContent(list);
+    list->setCanCheckForUpdates(m_updater.canCheckForUpdates());
+    connect(&m_updater, &AppUpdater::canCheckForUpdatesChanged, list,
+            &ZoneListView::setCanCheckForUpdates);
+    connect(list, &ZoneListView::settingsRequested, this, [this] {
+        m_panel->hide();
+        showSettings();
+    });
+    connect(list, &ZoneListView::updateCheckRequested, this, [this] {
+        m_panel->hide();
+        m_updater.checkForUpdates();
+    });
+    connect(list, &ZoneListView::quitRequested, this, &ZonaraApp::quit);
 
     connect(&m_label, &MenuBarLabel::textChanged, this, &ZonaraApp::updateTray);
     connect(m_tray.get(), &TrayIcon::activated, this, &ZonaraApp::togglePanelAt);

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QWidget>
+
+class AddZoneView;
+class Clock;
+class Eyebrow;
+class QPushButton;
+class QStackedLayout;
+class ZoneCollectionView;
+class ZoneStore;
+
+// The panel's content: the header, the count of cities with "Add city", the
+// editable list and a footer with settings, the update check and quit.
+// "Add city" swaps all of it for the city search until that closes.
+class ZoneListView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr int panelWidth = 400;
+    static constexpr int panelHeight = 480;
+
+    ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent = nullptr);
+
+    bool isShowingAdd() const { return m_addView != nullptr; }
+    ZoneCollectionView &collection() const { return *m_collection; }
+    AddZoneView *addView() const { return m_addView; }
+
+    // Whether an update check may start now; the update button follows it.
+    void setCanCheckForUpdates(bool canCheck);
+
+    void showAdd();
+    void showList();
+
+Q_SIGNALS:
+    // The panel closes first, then the host acts.
+    void settingsRequested();
+    void updateCheckRequested();
+    void quitRequested();
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void updateCount();
+    void updateTint();
+
+    ZoneStore &m_store;
+    Clock &m_clock;
+    QStackedLayout *m_pages;
+    QWidget *m_list;
+    Eyebrow *m_count;
+    ZoneCollectionView *m_collection;
+    QPushButton *m_updateButton;
+    QPushButton *m_settingsButton;
+    AddZoneView *m_addView = nullptr;
+    bool m_tinting = false;
+};

@@ -1,0 +1,163 @@
+#include "AddZoneView.h"
+#include "Eyebrow.h"
+#include "PanelTestSupport.h"
+#include "ZoneCollectionView.h"
+#include "ZoneListView.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+class TestZoneListView final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void countFollowsTheStore();
+    void addCitySwapsTheContent();
+    void hidingReturnsToTheList();
+    void addingSavesAnOpenRename();
+    void footerCommands_data();
+    void footerCommands();
+    void updateButtonFollowsTheUpdater();
+
+private:
+    QPushButton *button(const char *name) const { return m_view->findChild<QPushButton *>(name); }
+
+    std::unique_ptr<PanelFixture> m_fixture;
+    std::unique_ptr<ZoneListView> m_view;
+};
+
+void TestZoneListView::init()
+{
+    m_fixture = std::make_unique<PanelFixture>(QList<SavedZone>{
+        makeZone(QStringLiteral("Europe/Stockholm")), makeZone(QStringLiteral("Asia/Tokyo")),
+        makeZone(QStringLiteral("America/New_York"), QStringLiteral("NY office"))});
+    m_view = std::make_unique<ZoneListView>(*m_fixture->store, *m_fixture->clock);
+    m_view->show();
+    m_view->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+}
+
+void TestZoneListView::cleanup()
+{
+    m_view.reset();
+    m_fixture.reset();
+}
+
+void TestZoneListView::countFollowsTheStore()
+{
+    QCOMPARE(m_view->size(), QSize(400, 480));
+    auto *count = m_view->findChild<Eyebrow *>("city-count");
+    QCOMPARE(count->text(), QStringLiteral("YOUR CITIES \u00b7 3"));
+    m_fixture->store->remove(m_fixture->id(0));
+    QCOMPARE(count->text(), QStringLiteral("YOUR CITIES \u00b7 2"));
+    m_fixture->store->setZones({});
+    QCOMPARE(count->text(), QStringLiteral("YOUR CITIES \u00b7 0"));
+}
+
+void TestZoneListView::addCitySwapsTheContent()
+{
+    QVERIFY(!m_view->isShowingAdd());
+    QTest::mouseClick(button("add-city-button"), Qt::LeftButton);
+    QVERIFY(m_view->isShowingAdd());
+    QVERIFY(m_view->addView()->isVisible());
+    QVERIFY(!m_view->collection().isVisible());
+    QVERIFY(!button("open-settings")->isVisible());
+
+    // Choosing a city closes the search and shows the list with it.
+    auto *field = m_view->addView()->findChild<QLineEdit *>("city-search");
+    QTRY_VERIFY(field->hasFocus());
+    QTest::keyClicks(field, QStringLiteral("auckland"));
+    QTest::keyClick(field, Qt::Key_Down);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QTRY_VERIFY(!m_view->isShowingAdd());
+    QVERIFY(m_view->collection().isVisible());
+    QCOMPARE(m_fixture->store->zones().size(), 4);
+    QCOMPARE(m_fixture->store->zones().last().identifier, QStringLiteral("Pacific/Auckland"));
+
+    // A fresh search each time: nothing typed before survives.
+    QTest::mouseClick(button("add-city-button"), Qt::LeftButton);
+    QCOMPARE(m_view->addView()->query(), QString());
+    QTest::mouseClick(m_view->addView()->findChild<QPushButton *>("add-city-close"),
+                      Qt::LeftButton);
+    QTRY_VERIFY(!m_view->isShowingAdd());
+    QCOMPARE(m_fixture->store->zones().size(), 4);
+}
+
+void TestZoneListView::hidingReturnsToTheList()
+{
+    QTest::mouseClick(button("add-city-button"), Qt::LeftButton);
+    QVERIFY(m_view->isShowingAdd());
+    m_view->hide();
+    m_view->show();
+    QVERIFY(!m_view->isShowingAdd());
+    QVERIFY(m_view->collection().isVisible());
+}
+
+void TestZoneListView::addingSavesAnOpenRename()
+{
+    auto *rename = m_view->collection().findChildren<QWidget *>("rename-button").value(1);
+    QVERIFY(rename);
+    QTest::mouseClick(rename, Qt::LeftButton);
+    auto *nickname = m_view->findChild<QLineEdit *>("city-nickname");
+    QVERIFY(nickname);
+    QTRY_VERIFY(nickname->hasFocus());
+    nickname->selectAll();
+    QTest::keyClicks(nickname, QStringLiteral("Tokyo HQ"));
+    QTest::mouseClick(button("add-city-button"), Qt::LeftButton);
+    QCOMPARE(m_fixture->store->zones().at(1).customLabel,
+             std::optional(QStringLiteral("Tokyo HQ")));
+}
+
+void TestZoneListView::footerCommands_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("settings button") << "click:open-settings"
+                                     << "settings";
+    QTest::newRow("Ctrl+,") << "key:settings"
+                            << "settings";
+    QTest::newRow("quit button") << "click:quit"
+                                 << "quit";
+    QTest::newRow("Ctrl+Q") << "key:quit"
+                            << "quit";
+}
+
+void TestZoneListView::footerCommands()
+{
+    QFETCH(QString, how);
+    QFETCH(QString, expected);
+    QSignalSpy settings(m_view.get(), &ZoneListView::settingsRequested);
+    QSignalSpy quit(m_view.get(), &ZoneListView::quitRequested);
+    QCOMPARE(button("open-settings")->text(), QStringLiteral("Settings\u2026"));
+    if (how.startsWith(u"click:")) {
+        QTest::mouseClick(button(qPrintable(how.mid(6))), Qt::LeftButton);
+    } else if (how == u"key:settings") {
+        QTest::keyClick(m_view->windowHandle(), Qt::Key_Comma, Qt::ControlModifier);
+    } else {
+        QTest::keyClick(m_view->windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+    }
+    QCOMPARE(settings.count(), expected == u"settings" ? 1 : 0);
+    QCOMPARE(quit.count(), expected == u"quit" ? 1 : 0);
+}
+
+void TestZoneListView::updateButtonFollowsTheUpdater()
+{
+    QPushButton *update = button("tray-check-updates");
+    QCOMPARE(update->toolTip(), QStringLiteral("Check for Updates\u2026"));
+    QCOMPARE(update->accessibleName(), QStringLiteral("Check for Updates\u2026"));
+    QSignalSpy requested(m_view.get(), &ZoneListView::updateCheckRequested);
+    QVERIFY(!update->isEnabled());
+    QTest::mouseClick(update, Qt::LeftButton);
+    QCOMPARE(requested.count(), 0);
+    m_view->setCanCheckForUpdates(true);
+    QTest::mouseClick(update, Qt::LeftButton);
+    QCOMPARE(requested.count(), 1);
+}
+
+QTEST_MAIN(TestZoneListView)
+#include "tst_zonelistview.moc"
