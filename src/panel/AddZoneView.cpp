@@ -53,6 +53,9 @@ AddZoneView::AddZoneView(ZoneStore &store, Clock &clock, bool isEmbedded, QWidge
     headings->addWidget(subtitle);
     m_closeButton->setObjectName(QStringLiteral("add-city-close"));
     m_closeButton->setAutoDefault(false);
+    // The style's 80-pixel minimum would squeeze the line beside it.
+    m_closeButton->setFixedWidth(
+        m_closeButton->fontMetrics().horizontalAdvance(m_closeButton->text()) + 28);
     connect(m_closeButton, &QPushButton::clicked, this, &AddZoneView::closeRequested);
     auto *header = new QHBoxLayout;
     // The headings take all the room the button leaves.

@@ -46,8 +46,5 @@ void TextLine::paintEvent(QPaintEvent *)
     const QRect area = contentsRect();
     const QString shown =
         m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, area.width()) : text();
-    // Hinted glyphs can come out a pixel wider than measured; a line that is
-    // not elided must never lose its last character to that.
-    const int flags = int(alignment()) | Qt::TextSingleLine | (m_elides ? 0 : Qt::TextDontClip);
-    painter.drawText(area, flags, shown);
+    painter.drawText(area, int(alignment()) | Qt::TextSingleLine, shown);
 }
