@@ -17,7 +17,6 @@
 
 namespace {
 
-
 const QString stockholmId = QStringLiteral("0F8FAD5B-D9CB-469F-A165-70867728950E");
 const QString tokyoId = QStringLiteral("7C9E6679-7425-40DE-944B-E07FC1F90AE7");
 
