@@ -49,8 +49,6 @@ const CityEntry rio{"Rio de Janeiro", "America/Sao_Paulo", "Brazil"};
 const CityEntry americana{"Americana", "America/Sao_Paulo", "Brazil"};
 const CityEntry paris{"Paris", "Europe/Paris", "France"};
 const CityEntry oslo{"Oslo", "Europe/Oslo", "Norway"};
-const CityEntry cordobaAr{"Córdoba", "America/Argentina/Cordoba", "Argentina"};
-const CityEntry cordobaEs{"Córdoba", "Europe/Madrid", "Spain"};
 
 // Cities "<prefix> 01", "<prefix> 02", ... each in a zone of its own.
 CityList numberedCities(const QString &prefix, int count)
@@ -101,49 +99,27 @@ void TestZoneSearch::textMatching_data()
 
     QTest::newRow("middle of a word") << "ckh"
                                       << "Stockholm" << true;
-    QTest::newRow("upper-case query") << "STOCK"
-                                      << "Stockholm" << true;
-    QTest::newRow("upper-case text") << "stock"
-                                     << "STOCKHOLM" << true;
-    QTest::newRow("longer than the text") << "stockholms"
-                                          << "Stockholm" << false;
-    QTest::newRow("no prefix needed") << "holm"
-                                      << "Stockholm" << true;
-
+    QTest::newRow("case folded on both sides") << "STock"
+                                               << "stOCKholm" << true;
     // Canonical equivalence, both ways.
     QTest::newRow("precomposed query, decomposed text")
         << u16(u"qu\u00e9") << u16(u"Que\u0301bec") << true;
     QTest::newRow("decomposed query, precomposed text")
         << u16(u"que\u0301") << u16(u"Qu\u00e9bec") << true;
-    QTest::newRow("decomposed upper-case query")
-        << u16(u"QUE\u0301") << u16(u"Qu\u00e9bec") << true;
     QTest::newRow("marks typed out of order")
         << u16(u"no\u0302\u0323i") << u16(u"H\u00e0 N\u1ed9i") << true;
 
     // A match never takes a base letter without its marks.
     QTest::newRow("a does not match ã") << "sa"
                                         << "São Paulo" << false;
-    QTest::newRow("ã does not match a") << "são"
-                                        << "Sao Paulo" << false;
     QTest::newRow("ã matches ã") << "são"
                                  << "São Paulo" << true;
     QTest::newRow("letter before ã") << "s"
                                      << "São" << true;
-    QTest::newRow("letter after ã") << "o p"
-                                    << "São Paulo" << true;
     QTest::newRow("e against decomposed é") << "quebec" << u16(u"Que\u0301bec") << false;
     QTest::newRow("ô against ộ") << u16(u"n\u00f4") << u16(u"H\u00e0 N\u1ed9i") << false;
-    QTest::newRow("ç then ã") << "maç"
-                              << "Maçã" << true;
-    QTest::newRow("c of ç") << "mac"
-                            << "Maçã" << false;
-    QTest::newRow("letter before ç") << "ma"
-                                     << "Maçã" << true;
     QTest::newRow("spacing vowel sign")
         << u16(u"\u0926") << u16(u"\u0926\u093f\u0932\u094d\u0932\u0940") << false;
-    QTest::newRow("letter before independent vowel")
-        << u16(u"\u0928") << u16(u"\u0928\u0908") << true;
-    QTest::newRow("hangul syllable") << u16(u"\uc11c") << u16(u"\uc11c\uc6b8") << true;
     QTest::newRow("hangul syllable without final")
         << u16(u"\uc6b0") << u16(u"\uc11c\uc6b8") << false;
     QTest::newRow("hangul decomposed query")
@@ -151,38 +127,24 @@ void TestZoneSearch::textMatching_data()
 
     // Beyond the Basic Multilingual Plane.
     QTest::newRow("mark outside the BMP") << "a" << u16(u"a\U000101FD") << false;
-    QTest::newRow("letter outside the BMP") << u16(u"\U0001D400") << u16(u"x\U0001D400y") << true;
     QTest::newRow("half a surrogate pair") << QString(QChar(0xD835)) << u16(u"\U0001D400") << false;
 
     // A needle that starts with a mark needs a character that starts with it.
     QTest::newRow("lone mark inside a letter") << u16(u"\u0301") << u16(u"Qu\u00e9bec") << false;
-    QTest::newRow("lone mark after a letter") << u16(u"\u0301b") << u16(u"Qu\u00e9bec") << false;
     QTest::newRow("lone mark as text") << u16(u"\u0301") << u16(u"\u0301") << true;
 
     // No diacritic or width folding.
     QTest::newRow("no diacritic folding") << "zurich"
                                           << "Zürich" << false;
-    QTest::newRow("upper-case umlaut") << "zür"
-                                       << "ZÜRICH" << true;
     QTest::newRow("full-width query") << u16(u"\uff54\uff4f\uff4b\uff59\uff4f") << "Tokyo" << false;
-    QTest::newRow("full-width text") << "tokyo" << u16(u"\uff34\uff2f\uff2b\uff39\uff2f") << false;
-    QTest::newRow("full-width both")
-        << u16(u"\uff54\uff4f\uff4b\uff59\uff4f") << u16(u"\uff34\uff2f\uff2b\uff39\uff2f") << true;
     QTest::newRow("ß is not ss") << "strass"
                                  << "Straßburg" << false;
     QTest::newRow("capital sharp s") << u16(u"STRA\u1e9e") << "Straßburg" << true;
-    QTest::newRow("greek with tonos")
-        << u16(u"\u0391\u0398\u0389\u039d\u0391") << u16(u"\u0391\u03b8\u03ae\u03bd\u03b1") << true;
-    QTest::newRow("polish capitals")
-        << u16(u"\u0141\u00d3D\u0179") << u16(u"\u0141\u00f3d\u017a") << true;
-
     // Separators are part of the text.
     QTest::newRow("space is not underscore") << "new york"
                                              << "America/New_York" << false;
     QTest::newRow("underscore") << "new_york"
                                 << "America/New_York" << true;
-    QTest::newRow("slash") << "e/st"
-                           << "Europe/Stockholm" << true;
     QTest::newRow("inner spaces kept") << "new  york"
                                        << "New York" << false;
 }
@@ -209,11 +171,9 @@ void TestZoneSearch::localeIndependent_data()
     QTest::newRow("I is i") << "ISTANBUL"
                             << "Istanbul" << true;
     QTest::newRow("I is not dotless i") << "I" << u16(u"\u0131hlara") << false;
-    QTest::newRow("dotted capital keeps its dot") << u16(u"\u0130ZM") << u16(u"\u0130zmir") << true;
     QTest::newRow("dotted capital is i and a dot")
         << u16(u"i\u0307zmir") << u16(u"\u0130zmir") << true;
     QTest::newRow("dotted capital is not plain i") << "izmir" << u16(u"\u0130zmir") << false;
-    QTest::newRow("dotless i is not I") << u16(u"\u0131") << "Istanbul" << false;
 }
 
 void TestZoneSearch::localeIndependent()
@@ -223,9 +183,7 @@ void TestZoneSearch::localeIndependent()
     QFETCH(bool, matches);
 
     const QLocale previous;
-    for (const QLocale &locale :
-         {QLocale(QLocale::Turkish, QLocale::Turkey), QLocale(QLocale::Azerbaijani),
-          QLocale(QLocale::German, QLocale::Germany), QLocale::c()}) {
+    for (const QLocale &locale : {QLocale(QLocale::Turkish, QLocale::Turkey), QLocale::c()}) {
         QLocale::setDefault(locale);
         const qsizetype found = searchBoth(query, {{text, {}, {}}}, {}).size();
         QLocale::setDefault(previous);
@@ -237,10 +195,8 @@ void TestZoneSearch::blankQuery_data()
 {
     QTest::addColumn<QString>("query");
     QTest::newRow("empty") << QString();
-    QTest::newRow("spaces") << "   ";
-    QTest::newRow("tabs and line breaks") << "\t\n\r\v\f";
-    QTest::newRow("unicode spaces") << u16(u"\u00a0\u2003\u3000");
-    QTest::newRow("unicode line breaks") << u16(u"\u0085\u2028\u2029");
+    QTest::newRow("ascii white space") << " \t\n\r\v\f";
+    QTest::newRow("unicode white space") << u16(u"\u00a0\u2003\u3000\u0085\u2028\u2029");
 }
 
 void TestZoneSearch::blankQuery()
@@ -264,22 +220,14 @@ void TestZoneSearch::listing_data()
                             "America/Toronto",     "Europe/Oslo",      "Europe/Paris",
                             "Europe/Stockholm"};
 
-    QTest::newRow("trimmed and lower-cased")
-        << "  STOCK\n"
-        << CityList{stockholm, paris} << zones << QStringList{stockholm.id()};
-    QTest::newRow("trimmed of unicode spaces")
-        << u16(u"\u2003stockholm\u2029") << CityList{stockholm} << QStringList{}
-        << QStringList{stockholm.id()};
-
+    QTest::newRow("trimmed and lower-cased") << u16(u"\u2003 STOCK\n") << CityList{stockholm, paris}
+                                             << zones << QStringList{stockholm.id()};
     // A country or identifier hit lists one city per zone.
     QTest::newRow("country hit, one zone")
         << "sweden" << CityList{stockholm, goteborg, malmo} << zones << QStringList{stockholm.id()};
     QTest::newRow("country hit, first of each zone")
         << "united" << CityList{philadelphia, newYork, portlandOregon, losAngeles, boston} << zones
         << QStringList{philadelphia.id(), portlandOregon.id()};
-    QTest::newRow("identifier hit, one zone")
-        << "new_york" << CityList{boston, newYork, philadelphia} << zones
-        << QStringList{boston.id()};
     QTest::newRow("identifier hit mixes with zones")
         << "america" << CityList{newYork, philadelphia, losAngeles, boston} << zones
         << QStringList{newYork.id(), losAngeles.id(), "iana:America/Sao_Paulo",
@@ -293,12 +241,6 @@ void TestZoneSearch::listing_data()
     QTest::newRow("same name, same zone")
         << "portland" << CityList{portlandMaine, newYork, portlandMaine} << zones
         << QStringList{portlandMaine.id(), portlandMaine.id()};
-    QTest::newRow("same name, two zones")
-        << "port" << CityList{portlandOregon, portlandMaine} << zones
-        << QStringList{portlandOregon.id(), portlandMaine.id()};
-    QTest::newRow("same name, two countries")
-        << "córdoba" << CityList{cordobaAr, cordobaEs} << QStringList{}
-        << QStringList{cordobaAr.id(), cordobaEs.id()};
     QTest::newRow("name hit then country hit, same zone")
         << "o"
         << CityList{oslo,
@@ -320,9 +262,6 @@ void TestZoneSearch::listing_data()
     QTest::newRow("bare after cities")
         << "europe" << CityList{paris, stockholm} << zones
         << QStringList{paris.id(), stockholm.id(), "iana:Europe/Oslo"};
-    QTest::newRow("identifier order kept")
-        << "europe" << CityList{} << QStringList{"Europe/Paris", "Europe/Oslo"}
-        << QStringList{"iana:Europe/Paris", "iana:Europe/Oslo"};
     QTest::newRow("repeated identifier once")
         << "oslo" << CityList{} << QStringList{"Europe/Oslo", "Europe/Oslo"}
         << QStringList{"iana:Europe/Oslo"};
@@ -333,11 +272,6 @@ void TestZoneSearch::listing_data()
     QTest::newRow("no prefix preference")
         << "os" << CityList{boston, oslo, losAngeles} << QStringList{}
         << QStringList{boston.id(), oslo.id(), losAngeles.id()};
-    QTest::newRow("empty catalogue")
-        << "oslo" << CityList{} << zones << QStringList{"iana:Europe/Oslo"};
-    QTest::newRow("empty sources") << "oslo" << CityList{} << QStringList{} << QStringList{};
-    QTest::newRow("nothing matches")
-        << "zzzz" << CityList{stockholm, newYork} << zones << QStringList{};
 }
 
 void TestZoneSearch::listing()
@@ -357,12 +291,9 @@ void TestZoneSearch::cap_data()
     QTest::addColumn<int>("expectedIdentifiers");
 
     QTest::newRow("55 cities") << 55 << 0 << 40 << 0;
-    QTest::newRow("exactly 40 cities") << 40 << 0 << 40 << 0;
-    QTest::newRow("39 cities") << 39 << 0 << 39 << 0;
     QTest::newRow("55 identifiers") << 0 << 55 << 0 << 40;
-    QTest::newRow("exactly 40 identifiers") << 0 << 40 << 0 << 40;
     QTest::newRow("30 cities, 25 identifiers") << 30 << 25 << 30 << 10;
-    QTest::newRow("40 cities hide identifiers") << 40 << 5 << 40 << 0;
+    QTest::newRow("exactly 40 cities hide identifiers") << 40 << 5 << 40 << 0;
     QTest::newRow("39 cities, one identifier") << 39 << 5 << 39 << 1;
 }
 
