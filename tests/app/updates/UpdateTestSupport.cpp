@@ -1,6 +1,61 @@
 #include "UpdateTestSupport.h"
 
+#include <QTcpSocket>
+
 #include <sodium.h>
+
+LoopbackHttpServer::LoopbackHttpServer()
+{
+    connect(&m_server, &QTcpServer::newConnection, this, [this] {
+        while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+            socket->setParent(this); // so a stalled answer ends with the server
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        }
+    });
+    if (!m_server.listen(QHostAddress::LocalHost))
+        qFatal("cannot listen on the loopback address");
+}
+
+QUrl LoopbackHttpServer::url(const QString &path) const
+{
+    return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(path));
+}
+
+QUrl LoopbackHttpServer::refusingUrl(const QString &path)
+{
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost);
+    const quint16 port = probe.serverPort();
+    probe.close();
+    return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port).arg(path));
+}
+
+void LoopbackHttpServer::answer(QTcpSocket *socket)
+{
+    const QByteArray request = socket->property("request").toByteArray() + socket->readAll();
+    socket->setProperty("request", request);
+    if (!request.contains("\r\n\r\n") || socket->property("answered").toBool())
+        return;
+    socket->setProperty("answered", true);
+    ++m_requestCount;
+
+    const QList<QByteArray> requestLine = request.left(request.indexOf("\r\n")).split(' ');
+    const QString path = QString::fromLatin1(requestLine.value(1));
+    const Response response = m_responses.value(path, Response{404, "not here", Mode::Normal, {}});
+
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Canned\r\n";
+    if (response.mode != Mode::NoLength)
+        head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";
+    if (!response.location.isEmpty())
+        head += "Location: " + response.location + "\r\n";
+    socket->write(head + "Content-Type: application/octet-stream\r\nConnection: close\r\n\r\n");
+
+    const bool whole = response.mode == Mode::Normal || response.mode == Mode::NoLength;
+    socket->write(whole ? response.body : response.body.left(response.body.size() / 2));
+    if (response.mode != Mode::Stall)
+        socket->disconnectFromHost();
+}
 
 namespace UpdateTestSupport {
 
@@ -37,9 +92,6 @@ QByteArray feed(const QList<FeedItem> &items)
         xml += QStringLiteral("<item><title>Zonara %1</title>"
                               "<sparkle:version>%2</sparkle:version>"
                               "<sparkle:shortVersionString>%1</sparkle:shortVersionString>"
-                              "<sparkle:releaseNotesLink>https://zonara.example/notes/%2"
-                              "</sparkle:releaseNotesLink>"
-                              "<pubDate>Mon, 05 Jan 2026 10:00:00 +0000</pubDate>"
                               "<enclosure url=\"%3\" length=\"%4\" "
                               "type=\"application/vnd.appimage\" sparkle:edSignature=\"%5\"/>"
                               "</item>\n")
@@ -48,8 +100,7 @@ QByteArray feed(const QList<FeedItem> &items)
                    .arg(QString::fromLatin1(item.signature.toBase64()))
                    .toUtf8();
     }
-    xml += "</channel></rss>\n";
-    return xml;
+    return xml + "</channel></rss>\n";
 }
 
 QByteArray releasePayload(const QString &version)

