@@ -20,10 +20,9 @@ class TestTintedIcon final : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void rendersAtTheRatio_data();
-    void rendersAtTheRatio();
+    void rendersCrispAtTheRatio_data();
+    void rendersCrispAtTheRatio();
     void everyDrawnPixelTakesTheColour();
-    void iconHoldsOneAndTwoTimes();
     void unreadableFileGivesNothing();
 
 private:
@@ -40,7 +39,7 @@ void TestTintedIcon::initTestCase()
     file.write(bars);
 }
 
-void TestTintedIcon::rendersAtTheRatio_data()
+void TestTintedIcon::rendersCrispAtTheRatio_data()
 {
     QTest::addColumn<qreal>("ratio");
     QTest::addColumn<QList<int>>("opaqueRows");
@@ -48,25 +47,24 @@ void TestTintedIcon::rendersAtTheRatio_data()
     QTest::newRow("2x") << 2.0 << QList<int>{4, 5, 10, 11, 16, 17};
 }
 
-void TestTintedIcon::rendersAtTheRatio()
+void TestTintedIcon::rendersCrispAtTheRatio()
 {
     QFETCH(qreal, ratio);
     QFETCH(QList<int>, opaqueRows);
-    const QPixmap pixmap = TintedIcon::pixmap(m_bars, Qt::black, QSize(10, 10), ratio);
+    // The icon holds the same image as the pixmap at this ratio.
+    const QPixmap pixmap =
+        TintedIcon::icon(m_bars, Qt::black, QSize(10, 10)).pixmap({10, 10}, ratio);
     QCOMPARE(pixmap.deviceIndependentSize(), QSizeF(10, 10));
     const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
     QCOMPARE(image.height(), qRound(10 * ratio));
-    // Crisp: whole rows are either fully drawn or fully empty, no blur between.
-    for (int y = 0; y < image.height(); ++y) {
-        const int alpha = qAlpha(image.pixel(image.width() / 2, y));
-        QCOMPARE(alpha, opaqueRows.contains(y) ? 255 : 0);
-    }
+    // Whole rows are either fully drawn or fully empty, no blur between.
+    for (int y = 0; y < image.height(); ++y)
+        QCOMPARE(qAlpha(image.pixel(image.width() / 2, y)), opaqueRows.contains(y) ? 255 : 0);
 }
 
 void TestTintedIcon::everyDrawnPixelTakesTheColour()
 {
-    QColor colour(30, 160, 90, 128);
-    const QImage image = TintedIcon::pixmap(m_bars, colour, QSize(10, 10), 1)
+    const QImage image = TintedIcon::pixmap(m_bars, QColor(30, 160, 90, 128), QSize(10, 10), 1)
                              .toImage()
                              .convertToFormat(QImage::Format_ARGB32);
     const QColor drawn = image.pixelColor(5, 2);
@@ -76,21 +74,11 @@ void TestTintedIcon::everyDrawnPixelTakesTheColour()
     QCOMPARE(image.pixelColor(5, 3).alpha(), 0);
 }
 
-void TestTintedIcon::iconHoldsOneAndTwoTimes()
-{
-    const QIcon icon = TintedIcon::icon(m_bars, Qt::red, QSize(10, 10));
-    QCOMPARE(icon.pixmap(QSize(10, 10), 1.0).size(), QSize(10, 10));
-    QCOMPARE(icon.pixmap(QSize(10, 10), 2.0).size(), QSize(20, 20));
-    QCOMPARE(icon.availableSizes().size(), 2);
-}
-
 void TestTintedIcon::unreadableFileGivesNothing()
 {
-    QVERIFY(
-        TintedIcon::pixmap(m_dir.filePath(QStringLiteral("missing.svg")), Qt::red, QSize(10, 10), 1)
-            .isNull());
-    QVERIFY(TintedIcon::icon(m_dir.filePath(QStringLiteral("missing.svg")), Qt::red, QSize(10, 10))
-                .isNull());
+    const QString missing = m_dir.filePath(QStringLiteral("missing.svg"));
+    QVERIFY(TintedIcon::pixmap(missing, Qt::red, QSize(10, 10), 1).isNull());
+    QVERIFY(TintedIcon::icon(missing, Qt::red, QSize(10, 10)).isNull());
 }
 
 QTEST_MAIN(TestTintedIcon)

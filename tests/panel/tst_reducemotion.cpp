@@ -31,12 +31,8 @@ void TestReduceMotion::decides_data()
         << QByteArray("yes") << QString() << QByteArray() << false;
     QTest::newRow("KDE factor 0") << QByteArray() << kde
                                   << QByteArray("[KDE]\nAnimationDurationFactor=0\n") << true;
-    QTest::newRow("KDE factor 0.5")
-        << QByteArray() << kde << QByteArray("[KDE]\nAnimationDurationFactor=0.5\n") << false;
     QTest::newRow("GTK animations off")
         << QByteArray() << gtk << QByteArray("[Settings]\ngtk-enable-animations=false\n") << true;
-    QTest::newRow("GTK animations 0")
-        << QByteArray() << gtk << QByteArray("[Settings]\ngtk-enable-animations=0\n") << true;
     QTest::newRow("GTK animations on")
         << QByteArray() << gtk << QByteArray("[Settings]\ngtk-enable-animations=true\n") << false;
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-// The list a, b, c: Stockholm, New York (nickname "Office"), Tokyo.
+// The list Stockholm, New York (nickname "Office"), Tokyo.
 struct Fixture
 {
     Fixture()
@@ -17,10 +17,16 @@ struct Fixture
     {}
     SavedZone zone(int index) const { return panel.store->zones().at(index); }
     QUuid id(int index) const { return panel.id(index); }
+    std::optional<QUuid> idOrNone(int index) const
+    {
+        return index < 0 ? std::nullopt : std::optional<QUuid>(id(index));
+    }
 
     PanelFixture panel;
     ZoneCollectionState state;
 };
+
+const QStringList unchanged{"Stockholm", "Office", "Tokyo"};
 
 } // namespace
 
@@ -31,23 +37,12 @@ class TestZoneCollectionState final : public QObject
 private Q_SLOTS:
     void saveStoresTheTrimmedDraft_data();
     void saveStoresTheTrimmedDraft();
-    void beginRenameStartsFromTheDisplayName();
-    void beginRenameTwiceKeepsTheDraft();
-    void beginRenameOfAnotherSavesTheFirst();
-    void beginRenameClosesTheConfirmation();
-    void lateSaveIsIgnored();
-    void cancelDiscardsTheDraft();
-    void removalDiscardsTheRename();
-    void removalOnAnotherZoneMovesTheConfirmation();
-    void confirmationCancelAndRemove();
-    void reorderOnlyWhenIdle();
-    void hoverLeavingKeepsTheNeighbour();
-    void highlightIsHoverOrSelection();
+    void renameAndRemoval_data();
+    void renameAndRemoval();
     void moveByStep_data();
     void moveByStep();
     void dragMovesIntoMoveZones_data();
     void dragMovesIntoMoveZones();
-    void leaveSavesAndDropsTheConfirmation();
     void renameOfAVanishedZoneIsLeftOpen();
     void saveAnnouncesAClosedRename();
 };
@@ -58,10 +53,8 @@ void TestZoneCollectionState::saveStoresTheTrimmedDraft_data()
     QTest::addColumn<QString>("draft");
     QTest::addColumn<std::optional<QString>>("stored");
     const std::optional<QString> none;
-    QTest::newRow("city's own name") << 1 << "New York" << none;
-    QTest::newRow("city's name with spaces") << 1 << "  New York " << none;
+    QTest::newRow("city's own name") << 1 << "  New York " << none;
     QTest::newRow("surrounded by spaces") << 0 << "  Office  " << std::optional<QString>("Office");
-    QTest::newRow("empty") << 1 << "" << none;
     QTest::newRow("only white space") << 1 << " \t\n " << none;
     QTest::newRow("case differs from the city") << 2 << "tokyo" << std::optional<QString>("tokyo");
 }
@@ -80,143 +73,82 @@ void TestZoneCollectionState::saveStoresTheTrimmedDraft()
     QCOMPARE(f.state.draftName(), QString());
 }
 
-void TestZoneCollectionState::beginRenameStartsFromTheDisplayName()
+void TestZoneCollectionState::renameAndRemoval_data()
 {
-    Fixture f;
-    f.state.beginRename(f.zone(1));
-    QCOMPARE(f.state.editingId(), f.id(1));
-    QCOMPARE(f.state.draftName(), QStringLiteral("Office"));
-    QVERIFY(f.state.isRenaming(f.id(1)));
-    QVERIFY(!f.state.isRenaming(f.id(0)));
+    // Steps: "rename N", "type TEXT", "save N", "cancel", "remove N" (open the
+    // confirmation), "keep" (cancel it), "confirm", "leave".
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<int>("saves");
+    QTest::addColumn<int>("editing"); // -1 for none
+    QTest::addColumn<QString>("draft");
+    QTest::addColumn<int>("removing"); // -1 for none
+    QTest::newRow("rename starts from the display name")
+        << QStringList{"rename 1"} << unchanged << 0 << 1 << "Office" << -1;
+    QTest::newRow("second begin keeps the draft")
+        << QStringList{"rename 0", "type Home", "rename 0"} << unchanged << 0 << 0 << "Home" << -1;
+    QTest::newRow("begin on another saves the first")
+        << QStringList{"rename 0", "type Home", "rename 2"}
+        << QStringList{"Home", "Office", "Tokyo"} << 1 << 2 << "Tokyo" << -1;
+    QTest::newRow("late save of another is ignored")
+        << QStringList{"rename 0", "type Home", "save 2"} << unchanged << 0 << 0 << "Home" << -1;
+    QTest::newRow("cancel discards")
+        << QStringList{"rename 1", "type Elsewhere", "cancel"} << unchanged << 0 << -1 << "" << -1;
+    QTest::newRow("begin closes the confirmation")
+        << QStringList{"remove 0", "rename 2"} << unchanged << 0 << 2 << "Tokyo" << -1;
+    QTest::newRow("removal discards the rename")
+        << QStringList{"rename 0", "type Home", "remove 1"} << unchanged << 0 << -1 << "" << 1;
+    QTest::newRow("removal on another moves the confirmation")
+        << QStringList{"remove 0", "remove 2"} << unchanged << 0 << -1 << "" << 2;
+    QTest::newRow("keep the city")
+        << QStringList{"remove 1", "keep"} << unchanged << 0 << -1 << "" << -1;
+    QTest::newRow("confirm removes") << QStringList{"remove 1", "confirm"}
+                                     << QStringList{"Stockholm", "Tokyo"} << 1 << -1 << "" << -1;
+    QTest::newRow("leave saves") << QStringList{"rename 2", "type Home", "leave"}
+                                 << QStringList{"Stockholm", "Office", "Home"} << 1 << -1 << ""
+                                 << -1;
+    QTest::newRow("leave drops the confirmation")
+        << QStringList{"remove 0", "leave"} << unchanged << 0 << -1 << "" << -1;
 }
 
-void TestZoneCollectionState::beginRenameTwiceKeepsTheDraft()
+void TestZoneCollectionState::renameAndRemoval()
 {
-    // A double-click reaches the rename both from the row and from the list.
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, names);
+    QFETCH(int, saves);
+    QFETCH(int, editing);
+    QFETCH(QString, draft);
+    QFETCH(int, removing);
     Fixture f;
     QSignalSpy zones(f.panel.store.get(), &ZoneStore::zonesChanged);
-    f.state.beginRename(f.zone(0));
-    f.state.setDraftName(QStringLiteral("Home"));
-    f.state.beginRename(f.zone(0));
-    QCOMPARE(f.state.draftName(), QStringLiteral("Home"));
-    QCOMPARE(zones.count(), 0);
-}
-
-void TestZoneCollectionState::beginRenameOfAnotherSavesTheFirst()
-{
-    Fixture f;
-    f.state.beginRename(f.zone(0));
-    f.state.setDraftName(QStringLiteral("Home"));
-    f.state.beginRename(f.zone(2));
-    QCOMPARE(f.zone(0).customLabel, std::optional<QString>(QStringLiteral("Home")));
-    QCOMPARE(f.state.editingId(), f.id(2));
-    QCOMPARE(f.state.draftName(), QStringLiteral("Tokyo"));
-}
-
-void TestZoneCollectionState::beginRenameClosesTheConfirmation()
-{
-    Fixture f;
-    f.state.openRemoval(f.zone(0));
-    f.state.beginRename(f.zone(2));
-    QCOMPARE(f.state.removingZone(), std::nullopt);
-    QCOMPARE(f.panel.store->zones().size(), 3);
-}
-
-void TestZoneCollectionState::lateSaveIsIgnored()
-{
-    Fixture f;
-    QSignalSpy zones(f.panel.store.get(), &ZoneStore::zonesChanged);
-    f.state.beginRename(f.zone(0));
-    f.state.setDraftName(QStringLiteral("Home"));
-    f.state.saveRename(f.zone(2));
-    QCOMPARE(zones.count(), 0);
-    QCOMPARE(f.state.editingId(), f.id(0));
-    QCOMPARE(f.state.draftName(), QStringLiteral("Home"));
-}
-
-void TestZoneCollectionState::cancelDiscardsTheDraft()
-{
-    Fixture f;
-    QSignalSpy zones(f.panel.store.get(), &ZoneStore::zonesChanged);
-    f.state.beginRename(f.zone(1));
-    f.state.setDraftName(QStringLiteral("Elsewhere"));
-    f.state.cancelRename();
-    QCOMPARE(zones.count(), 0);
-    QCOMPARE(f.zone(1).customLabel, std::optional<QString>(QStringLiteral("Office")));
-    QCOMPARE(f.state.editingId(), std::nullopt);
-    QCOMPARE(f.state.draftName(), QString());
-}
-
-void TestZoneCollectionState::removalDiscardsTheRename()
-{
-    Fixture f;
-    f.state.beginRename(f.zone(0));
-    f.state.setDraftName(QStringLiteral("Home"));
-    f.state.openRemoval(f.zone(1));
-    QCOMPARE(f.zone(0).customLabel, std::nullopt);
-    QCOMPARE(f.state.editingId(), std::nullopt);
-    QVERIFY(f.state.isConfirmingRemoval(f.id(1)));
-    QVERIFY(!f.state.isConfirmingRemoval(f.id(0)));
-}
-
-void TestZoneCollectionState::removalOnAnotherZoneMovesTheConfirmation()
-{
-    Fixture f;
-    f.state.openRemoval(f.zone(0));
-    f.state.openRemoval(f.zone(2));
-    QVERIFY(!f.state.isConfirmingRemoval(f.id(0)));
-    QVERIFY(f.state.isConfirmingRemoval(f.id(2)));
-}
-
-void TestZoneCollectionState::confirmationCancelAndRemove()
-{
-    Fixture f;
-    f.state.openRemoval(f.zone(1));
-    f.state.cancelRemoval();
-    QCOMPARE(f.panel.store->zones().size(), 3);
-    QCOMPARE(f.state.removingZone(), std::nullopt);
-
-    const QUuid removed = f.id(1);
-    f.state.openRemoval(f.zone(1));
-    f.state.confirmRemoval();
-    QCOMPARE(f.panel.displayNames(), (QStringList{"Stockholm", "Tokyo"}));
-    QVERIFY(!f.panel.store->zone(removed));
-    QCOMPARE(f.state.removingZone(), std::nullopt);
-}
-
-void TestZoneCollectionState::reorderOnlyWhenIdle()
-{
-    Fixture f;
-    QVERIFY(f.state.canReorder());
-    f.state.beginRename(f.zone(0));
-    QVERIFY(!f.state.canReorder());
-    f.state.cancelRename();
-    QVERIFY(f.state.canReorder());
-    f.state.openRemoval(f.zone(2));
-    QVERIFY(!f.state.canReorder());
-    f.state.cancelRemoval();
-    QVERIFY(f.state.canReorder());
-}
-
-void TestZoneCollectionState::hoverLeavingKeepsTheNeighbour()
-{
-    Fixture f;
-    f.state.hoverEntered(f.id(0));
-    f.state.hoverEntered(f.id(1));
-    f.state.hoverLeft(f.id(0));
-    QCOMPARE(f.state.hoveredId(), f.id(1));
-    f.state.hoverLeft(f.id(1));
-    QCOMPARE(f.state.hoveredId(), std::nullopt);
-}
-
-void TestZoneCollectionState::highlightIsHoverOrSelection()
-{
-    Fixture f;
-    f.state.setSelectedId(f.id(0));
-    f.state.hoverEntered(f.id(2));
-    QVERIFY(f.state.isHighlighted(f.id(0)));
-    QVERIFY(!f.state.isHighlighted(f.id(1)));
-    QVERIFY(f.state.isHighlighted(f.id(2)));
+    for (const QString &step : std::as_const(steps)) {
+        const QString verb = step.section(u' ', 0, 0);
+        const QString argument = step.section(u' ', 1);
+        if (verb == "rename")
+            f.state.beginRename(f.zone(argument.toInt()));
+        else if (verb == "type")
+            f.state.setDraftName(argument);
+        else if (verb == "save")
+            f.state.saveRename(f.zone(argument.toInt()));
+        else if (verb == "cancel")
+            f.state.cancelRename();
+        else if (verb == "remove")
+            f.state.openRemoval(f.zone(argument.toInt()));
+        else if (verb == "keep")
+            f.state.cancelRemoval();
+        else if (verb == "confirm")
+            f.state.confirmRemoval();
+        else
+            f.state.leave();
+    }
+    QCOMPARE(f.panel.displayNames(), names);
+    QCOMPARE(zones.count(), saves);
+    QCOMPARE(f.state.editingId(), f.idOrNone(editing));
+    QCOMPARE(f.state.draftName(), draft);
+    QCOMPARE(f.state.removingZone() ? std::optional(f.state.removingZone()->id) : std::nullopt,
+             f.idOrNone(removing));
+    // Cards can be dragged only while nothing is open.
+    QCOMPARE(f.state.canReorder(), editing < 0 && removing < 0);
 }
 
 void TestZoneCollectionState::moveByStep_data()
@@ -227,9 +159,8 @@ void TestZoneCollectionState::moveByStep_data()
     QTest::addColumn<bool>("selects");
     QTest::newRow("middle up") << 1 << -1 << QStringList{"Office", "Stockholm", "Tokyo"} << true;
     QTest::newRow("middle down") << 1 << 1 << QStringList{"Stockholm", "Tokyo", "Office"} << true;
-    QTest::newRow("first down") << 0 << 1 << QStringList{"Office", "Stockholm", "Tokyo"} << true;
-    QTest::newRow("first up") << 0 << -1 << QStringList{"Stockholm", "Office", "Tokyo"} << false;
-    QTest::newRow("last down") << 2 << 1 << QStringList{"Stockholm", "Office", "Tokyo"} << false;
+    QTest::newRow("first up") << 0 << -1 << unchanged << false;
+    QTest::newRow("last down") << 2 << 1 << unchanged << false;
 }
 
 void TestZoneCollectionState::moveByStep()
@@ -253,16 +184,13 @@ void TestZoneCollectionState::dragMovesIntoMoveZones_data()
     QTest::addColumn<int>("selected"); // index in the original list, -1 for none
     QTest::newRow("third to the top")
         << QList<int>{2} << 0 << QStringList{"Tokyo", "Stockholm", "Office"} << 2;
-    QTest::newRow("first to the end")
-        << QList<int>{0} << 3 << QStringList{"Office", "Tokyo", "Stockholm"} << 0;
     QTest::newRow("past the end") << QList<int>{0} << 7
                                   << QStringList{"Office", "Tokyo", "Stockholm"} << 0;
     QTest::newRow("out of range skipped")
         << QList<int>{5, 1} << 0 << QStringList{"Office", "Stockholm", "Tokyo"} << 1;
     QTest::newRow("offsets in any order")
         << QList<int>{2, 0} << 1 << QStringList{"Stockholm", "Tokyo", "Office"} << 0;
-    QTest::newRow("nothing in range")
-        << QList<int>{9} << 0 << QStringList{"Stockholm", "Office", "Tokyo"} << -1;
+    QTest::newRow("nothing in range") << QList<int>{9} << 0 << unchanged << -1;
 }
 
 void TestZoneCollectionState::dragMovesIntoMoveZones()
@@ -272,27 +200,11 @@ void TestZoneCollectionState::dragMovesIntoMoveZones()
     QFETCH(QStringList, order);
     QFETCH(int, selected);
     Fixture f;
-    const std::optional<QUuid> expected =
-        selected < 0 ? std::nullopt : std::optional<QUuid>(f.id(selected));
+    const std::optional<QUuid> expected = f.idOrNone(selected);
     f.state.setSelectedId(f.id(1));
     f.state.moveDragged(offsets, destination);
     QCOMPARE(f.panel.displayNames(), order);
     QCOMPARE(f.state.selectedId(), expected);
-}
-
-void TestZoneCollectionState::leaveSavesAndDropsTheConfirmation()
-{
-    Fixture f;
-    f.state.beginRename(f.zone(2));
-    f.state.setDraftName(QStringLiteral("Home"));
-    f.state.leave();
-    QCOMPARE(f.zone(2).customLabel, std::optional<QString>(QStringLiteral("Home")));
-    QCOMPARE(f.state.editingId(), std::nullopt);
-
-    f.state.openRemoval(f.zone(0));
-    f.state.leave();
-    QCOMPARE(f.state.removingZone(), std::nullopt);
-    QCOMPARE(f.panel.store->zones().size(), 3);
 }
 
 void TestZoneCollectionState::renameOfAVanishedZoneIsLeftOpen()
