@@ -21,7 +21,6 @@ public:
 
     // Sets the content; the panel owns it.
     void setContent(QWidget *content);
-    QWidget *content() const { return m_content; }
 
     // Opens next to a point on screen (the tray click), or at the pointer for
     // a null point.

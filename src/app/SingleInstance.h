@@ -23,7 +23,6 @@ public:
     // when it was reached.
     bool forward(bool showSettings);
 
-    bool usesBus() const { return m_bus.isConnected(); }
     // The object the bus interfaces hang on; null before claim() or without a bus.
     QObject *exportedObject() const { return m_exported; }
 

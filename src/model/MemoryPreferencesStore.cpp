@@ -39,11 +39,3 @@ void MemoryPreferencesStore::writeBool(const QString &key, bool value)
     m_values.insert(key, value);
     ++m_writes[key];
 }
-
-int MemoryPreferencesStore::totalWriteCount() const
-{
-    int total = 0;
-    for (int count : m_writes)
-        total += count;
-    return total;
-}

@@ -21,7 +21,6 @@ public:
     bool contains(const QString &key) const { return m_values.contains(key); }
     QStringList keys() const { return m_values.keys(); }
     int writeCount(const QString &key) const { return m_writes.value(key); }
-    int totalWriteCount() const;
 
 private:
     QHash<QString, QVariant> m_values;
