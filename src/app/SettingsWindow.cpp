@@ -1,25 +1,17 @@
 #include "SettingsWindow.h"
 
-#include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
-SettingsWindow::SettingsWindow(QWidget *parent)
+SettingsWindow::SettingsWindow(QWidget *content, QWidget *parent)
     : QWidget(parent, Qt::Window)
+    , m_content(content)
 {
     setObjectName(QStringLiteral("zonara-settings"));
     setWindowTitle(QStringLiteral("Zonara Settings"));
-
     auto *layout = new QVBoxLayout(this);
-    auto *placeholder = new QLabel(QStringLiteral("Zonara keeps your cities in the tray."), this);
-    placeholder->setWordWrap(true);
-    layout->addWidget(placeholder);
-    layout->addStretch();
-    auto *quit = new QPushButton(QStringLiteral("Quit Zonara"), this);
-    quit->setObjectName(QStringLiteral("quit-zonara"));
-    connect(quit, &QPushButton::clicked, this, &SettingsWindow::quitRequested);
-    layout->addWidget(quit, 0, Qt::AlignRight);
-    resize(420, 320);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(content);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 void SettingsWindow::present()

@@ -3,16 +3,17 @@
 #include <QWidget>
 
 // The settings window: made on first request, kept when closed, raised and
-// activated on every request.
+// activated on every request. Its size is its content's.
 class SettingsWindow final : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(QWidget *parent = nullptr);
+    explicit SettingsWindow(QWidget *content, QWidget *parent = nullptr);
 
+    QWidget *content() const { return m_content; }
     void present();
 
-Q_SIGNALS:
-    void quitRequested();
+private:
+    QWidget *m_content;
 };

@@ -1,6 +1,7 @@
 #include "ZonaraApp.h"
 
 #include "PanelWindow.h"
+#include "SettingsView.h"
 #include "SettingsWindow.h"
 #include "SingleInstance.h"
 #include "TimeZoneDatabase.h"
@@ -84,8 +85,9 @@ void ZonaraApp::followTrayKind()
 void ZonaraApp::showSettings()
 {
     if (!m_settings) {
-        m_settings = std::make_unique<SettingsWindow>();
-        connect(m_settings.get(), &SettingsWindow::quitRequested, this, &ZonaraApp::quit);
+        auto *view = new SettingsView(m_store, m_clock, m_updater);
+        connect(view, &SettingsView::quitRequested, this, &ZonaraApp::quit);
+        m_settings = std::make_unique<SettingsWindow>(view);
     }
     m_settings->present();
 }

@@ -37,6 +37,21 @@ QColor line(const QPalette &palette)
     return withAlpha(palette.color(QPalette::WindowText), 0.09);
 }
 
+QPalette tinted(const QPalette &palette)
+{
+    QPalette tinted = palette;
+    const QColor tint = accent(palette);
+    tinted.setColor(QPalette::Highlight, tint);
+    tinted.setColor(QPalette::HighlightedText, isDark(palette) ? Qt::black : Qt::white);
+    tinted.setColor(QPalette::Link, tint);
+    return tinted;
+}
+
+QColor errorText(const QPalette &palette)
+{
+    return isDark(palette) ? QColor(255, 105, 97) : QColor(200, 30, 30);
+}
+
 QColor secondaryText(const QPalette &palette)
 {
     return withAlpha(palette.color(QPalette::WindowText), isDark(palette) ? 0.55 : 0.5);

@@ -23,6 +23,13 @@ bool isDark(const QPalette &palette);
 // The resting border of a card: the text colour at 9 % opacity.
 QColor line(const QPalette &palette);
 
+// The palette with the accent in place of the highlight and link colours,
+// so that selections, focus and tinted controls take it.
+QPalette tinted(const QPalette &palette);
+
+// Error lines: a red that reads on either background.
+QColor errorText(const QPalette &palette);
+
 // Captions and second lines: the text colour at half opacity (55 % on dark).
 QColor secondaryText(const QPalette &palette);
 

@@ -41,9 +41,22 @@ void TextLine::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setFont(font());
-    painter.setPen(m_tone == Tone::primary ? palette().color(QPalette::WindowText)
-                                           : AppStyle::secondaryText(palette()));
+    switch (m_tone) {
+    case Tone::primary:
+        painter.setPen(palette().color(QPalette::WindowText));
+        break;
+    case Tone::secondary:
+        painter.setPen(AppStyle::secondaryText(palette()));
+        break;
+    case Tone::error:
+        painter.setPen(AppStyle::errorText(palette()));
+        break;
+    }
     const QRect area = contentsRect();
+    if (wordWrap()) {
+        painter.drawText(area, int(alignment()) | Qt::TextWordWrap, text());
+        return;
+    }
     const QString shown =
         m_elides ? fontMetrics().elidedText(text(), Qt::ElideRight, area.width()) : text();
     painter.drawText(area, int(alignment()) | Qt::TextSingleLine, shown);

@@ -3,14 +3,15 @@
 #include <QLabel>
 
 // One line of text in a colour taken from the palette at paint time, so it
-// follows a light/dark switch. Optionally cut with an ellipsis when narrow.
+// follows a light/dark switch. Optionally cut with an ellipsis when narrow,
+// or wrapped over several lines.
 // Stays a QLabel so that assistive technology reads it as static text.
 class TextLine : public QLabel
 {
     Q_OBJECT
 
 public:
-    enum class Tone { primary, secondary };
+    enum class Tone { primary, secondary, error };
 
     explicit TextLine(const QFont &font, Tone tone = Tone::primary, QWidget *parent = nullptr);
 

@@ -3,6 +3,7 @@
 #include "AddZoneButton.h"
 #include "AddZoneView.h"
 #include "AppStyle.h"
+#include "Divider.h"
 #include "Eyebrow.h"
 #include "TextLine.h"
 #include "WorldMark.h"
@@ -10,7 +11,6 @@
 #include "ZoneStore.h"
 
 #include <QEvent>
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QShortcut>
@@ -18,39 +18,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-// A hairline in the resting border colour.
-class Divider final : public QFrame
-{
-public:
-    Divider()
-    {
-        setFixedHeight(1);
-        setAutoFillBackground(true);
-        updateColour();
-    }
-
-protected:
-    void changeEvent(QEvent *event) override
-    {
-        QFrame::changeEvent(event);
-        if (event->type() == QEvent::PaletteChange && !m_updating)
-            updateColour();
-    }
-
-private:
-    void updateColour()
-    {
-        m_updating = true;
-        QPalette colours = palette();
-        colours.setColor(QPalette::Window,
-                         AppStyle::line(parentWidget() ? parentWidget()->palette() : palette()));
-        setPalette(colours);
-        m_updating = false;
-    }
-
-    bool m_updating = false;
-};
 
 QPushButton *footerButton(const QString &text, const QString &objectName)
 {
@@ -196,11 +163,7 @@ void ZoneListView::updateTint()
 {
     // Every control inside takes the accent: selections, focus, the footer's symbols.
     m_tinting = true;
-    QPalette tinted = palette();
-    const QColor accent = AppStyle::accent(tinted);
-    tinted.setColor(QPalette::Highlight, accent);
-    tinted.setColor(QPalette::HighlightedText, AppStyle::isDark(tinted) ? Qt::black : Qt::white);
-    tinted.setColor(QPalette::Link, accent);
+    const QPalette tinted = AppStyle::tinted(palette());
     setPalette(tinted);
     m_settingsButton->setIcon(
         AppStyle::symbol(QStringLiteral("sliders"), tinted.color(QPalette::ButtonText), 16));

@@ -1,0 +1,30 @@
+#include "Divider.h"
+
+#include "AppStyle.h"
+
+#include <QEvent>
+
+Divider::Divider(QWidget *parent)
+    : QFrame(parent)
+{
+    setFixedHeight(1);
+    setAutoFillBackground(true);
+    updateColour();
+}
+
+void Divider::changeEvent(QEvent *event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && !m_updating)
+        updateColour();
+}
+
+void Divider::updateColour()
+{
+    m_updating = true;
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window,
+                     AppStyle::line(parentWidget() ? parentWidget()->palette() : palette()));
+    setPalette(colours);
+    m_updating = false;
+}
