@@ -9,7 +9,7 @@ packages=(
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then
-    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick)
+    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils)
 fi
 
 missing=()

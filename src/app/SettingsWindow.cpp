@@ -1,5 +1,7 @@
 #include "SettingsWindow.h"
 
+#include "WindowAccessible.h"
+
 #include <QVBoxLayout>
 
 SettingsWindow::SettingsWindow(QWidget *content, QWidget *parent)
@@ -8,6 +10,7 @@ SettingsWindow::SettingsWindow(QWidget *content, QWidget *parent)
 {
     setObjectName(QStringLiteral("zonara-settings"));
     setWindowTitle(QStringLiteral("Zonara Settings"));
+    WindowAccessible::mark(this);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content);

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QIcon>
 #include <QTextStream>
 
 #include <cstdio>
@@ -41,7 +42,11 @@ int main(int argc, char *argv[])
 
     QApplication app(argc, argv);
     nameApplication();
-    QApplication::setDesktopFileName(QStringLiteral("io.github.zonara.Zonara"));
+    const QString appId = QStringLiteral("io.github.zonara.Zonara");
+    QApplication::setDesktopFileName(appId);
+    // The installed icon where the theme has it, else our own copy.
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(appId, QIcon(QStringLiteral(":/zonara/io.github.zonara.Zonara.svg"))));
     // Zonara lives in the tray: closing a window never ends it.
     QApplication::setQuitOnLastWindowClosed(false);
 

@@ -1,6 +1,7 @@
 #include "Divider.h"
 
 #include "AppStyle.h"
+#include "DecorativeAccessible.h"
 
 #include <QEvent>
 
@@ -9,6 +10,7 @@ Divider::Divider(QWidget *parent)
 {
     setFixedHeight(1);
     setAutoFillBackground(true);
+    DecorativeAccessible::hide(this);
     updateColour();
 }
 

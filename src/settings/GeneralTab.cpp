@@ -138,6 +138,7 @@ FormGroup *GeneralTab::makeAboutGroup()
     auto *version = new QLabel(SettingsTexts::thisVersion());
     version->setObjectName(QStringLiteral("version"));
     version->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    version->setFocusPolicy(Qt::NoFocus);
     auto *about = new TextLine(AppStyle::uiFont(13));
     about->setWordWrap(true);
     about->setText(QStringLiteral("A small, native home for the people and places on your clock."));
