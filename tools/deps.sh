@@ -9,7 +9,8 @@ packages=(
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then
-    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils)
+    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils
+               at-spi2-core python3-pyatspi)
 fi
 
 missing=()

@@ -1,5 +1,8 @@
 #include "PanelWindow.h"
 
+#include "AccessibleRetirement.h"
+#include "WindowAccessible.h"
+
 #include "Clock.h"
 #include "PanelPlacement.h"
 
@@ -17,14 +20,14 @@ PanelWindow::PanelWindow(Clock &clock, QWidget *parent)
 {
     setObjectName(QStringLiteral("zonara-panel"));
     setWindowTitle(QStringLiteral("Zonara"));
+    WindowAccessible::mark(this);
     setFixedSize(panelWidth, panelHeight);
     m_layout->setContentsMargins(0, 0, 0, 0);
 }
 
 void PanelWindow::setContent(QWidget *content)
 {
-    if (m_content)
-        m_content->deleteLater();
+    AccessibleRetirement::deleteLater(m_content);
     m_content = content;
     m_layout->addWidget(content);
 }
@@ -53,6 +56,8 @@ void PanelWindow::openAsWindow()
 
 void PanelWindow::present()
 {
+    // Opened from the keyboard or not, the focused control shows its ring.
+    setAttribute(Qt::WA_KeyboardFocusChange);
     show();
     raise();
     activateWindow();

@@ -103,7 +103,12 @@ void ZonaraApp::togglePanelAt(const QPoint &globalPosition)
 
 void ZonaraApp::reopen()
 {
-    if (!hasVisibleWindow())
+    if (hasVisibleWindow())
+        return;
+    // Without a tray the panel is the only way back in.
+    if (m_tray->kind() == TrayIcon::Kind::None)
+        m_panel->openAsWindow();
+    else
         showSettings();
 }
 

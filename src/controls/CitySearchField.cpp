@@ -1,9 +1,11 @@
 #include "CitySearchField.h"
 
+#include "DecorativeAccessible.h"
 #include "TintedIcon.h"
 
 #include <QAction>
 #include <QEvent>
+#include <QToolButton>
 
 CitySearchField::CitySearchField(const QString &placeholder, QWidget *parent)
     : FocusedTextInput(placeholder, QFont::Normal, parent)
@@ -12,6 +14,15 @@ CitySearchField::CitySearchField(const QString &placeholder, QWidget *parent)
     m_searchIcon->setObjectName(QStringLiteral("search-icon"));
     setClearButtonEnabled(true);
     addAction(m_searchIcon, QLineEdit::LeadingPosition);
+    // The magnifier only decorates; the clear button is one a screen reader can press.
+    for (QToolButton *button : findChildren<QToolButton *>()) {
+        if (button->defaultAction() == m_searchIcon) {
+            DecorativeAccessible::hide(button);
+        } else {
+            button->setAccessibleName(QStringLiteral("Clear search"));
+            button->setToolTip(QStringLiteral("Clear search"));
+        }
+    }
     updateSearchIcon();
 }
 

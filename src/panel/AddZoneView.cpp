@@ -1,5 +1,6 @@
 #include "AddZoneView.h"
 
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "CitySearchField.h"
 #include "Clock.h"
@@ -7,6 +8,7 @@
 #include "TextLine.h"
 #include "ZoneChoices.h"
 #include "ZoneResultDelegate.h"
+#include "ZoneResultsAccessible.h"
 #include "ZoneResultsModel.h"
 #include "ZoneStore.h"
 
@@ -73,6 +75,7 @@ AddZoneView::AddZoneView(ZoneStore &store, Clock &clock, bool isEmbedded, QWidge
     m_caption->setObjectName(QStringLiteral("add-city-caption"));
 
     m_list->setObjectName(QStringLiteral("add-city-results"));
+    ZoneResultsAccessible::install(m_list->objectName());
     m_list->setAccessibleName(QStringLiteral("Cities and time zones"));
     m_list->setModel(m_model);
     m_list->setItemDelegate(new ZoneResultDelegate(m_list));
@@ -125,6 +128,12 @@ AddZoneView::AddZoneView(ZoneStore &store, Clock &clock, bool isEmbedded, QWidge
     updateTimes();
     setQuery(QString());
     updateTint();
+}
+
+AddZoneView::~AddZoneView()
+{
+    // The results' interfaces read the model, which goes before QWidget's part.
+    AccessibleRetirement::retire(this);
 }
 
 void AddZoneView::setQuery(const QString &query)

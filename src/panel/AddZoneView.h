@@ -25,6 +25,7 @@ public:
     // Embedded in the panel the close button reads "Back"; in the settings
     // window's sheet it reads "Done".
     AddZoneView(ZoneStore &store, Clock &clock, bool isEmbedded, QWidget *parent = nullptr);
+    ~AddZoneView() override;
 
     QString query() const { return m_query; }
     const ZoneResultsModel &results() const { return *m_model; }

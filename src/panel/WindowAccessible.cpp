@@ -1,5 +1,7 @@
 #include "WindowAccessible.h"
 
+#include "AccessibleRetirement.h"
+
 #include <QVariant>
 #include <QWidget>
 
@@ -9,6 +11,8 @@ constexpr char windowProperty[] = "zonaraWindow";
 
 QAccessibleInterface *windowFactory(const QString &, QObject *object)
 {
+    if (AccessibleRetirement::isRetired(object))
+        return nullptr;
     auto *widget = qobject_cast<QWidget *>(object);
     if (widget && widget->property(windowProperty).toBool())
         return new WindowAccessible(widget);

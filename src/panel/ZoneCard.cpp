@@ -1,5 +1,6 @@
 #include "ZoneCard.h"
 
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "CardMotion.h"
 #include "TextLine.h"
@@ -86,6 +87,12 @@ ZoneCard::ZoneCard(const State &state, QWidget *parent)
     updateHighlight(false);
 }
 
+ZoneCard::~ZoneCard()
+{
+    // While the card is still whole.
+    AccessibleRetirement::retire(this);
+}
+
 void ZoneCard::setState(const State &state)
 {
     if (state == m_state)
@@ -102,6 +109,8 @@ void ZoneCard::setState(const State &state)
     }
     if (old.isHighlighted != state.isHighlighted)
         updateHighlight(!state.reduceMotion);
+    if (old.showsFocus != state.showsFocus)
+        update();
 }
 
 QPainterPath ZoneCard::shape() const
@@ -111,14 +120,9 @@ QPainterPath ZoneCard::shape() const
     return path;
 }
 
-void ZoneCard::requestRename()
+void ZoneCard::requestAction(ZoneMenu::Action action)
 {
-    Q_EMIT renameRequested();
-}
-
-void ZoneCard::requestMove(int step)
-{
-    Q_EMIT moveRequested(step);
+    Q_EMIT actionRequested(action);
 }
 
 void ZoneCard::paintEvent(QPaintEvent *)
@@ -142,6 +146,11 @@ void ZoneCard::paintEvent(QPaintEvent *)
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
                             cornerRadius - 0.5);
+    if (m_state.showsFocus) {
+        painter.setPen(QPen(accent, 2));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), cornerRadius - 1,
+                                cornerRadius - 1);
+    }
 }
 
 void ZoneCard::changeEvent(QEvent *event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZoneMenu.h"
 #include "ZoneRow.h"
 
 #include <QPainterPath>
@@ -28,6 +29,9 @@ public:
     {
         ZoneRow::State row;
         bool isHighlighted = false;
+        bool isSelected = false;
+        // Selected in a list the keyboard is in use on: drawn with a focus ring.
+        bool showsFocus = false;
         bool isConfirmingRemoval = false;
         bool showsIdentifier = false;
         bool reduceMotion = false;
@@ -36,6 +40,7 @@ public:
     };
 
     explicit ZoneCard(const State &state, QWidget *parent = nullptr);
+    ~ZoneCard() override;
 
     QUuid zoneId() const { return m_state.row.zone.id; }
     const State &state() const { return m_state; }
@@ -47,9 +52,8 @@ public:
     // The card's shape, which is also its hit area, in its own coordinates.
     QPainterPath shape() const;
 
-    // For assistive technology's named actions.
-    void requestRename();
-    void requestMove(int step);
+    // For assistive technology's named actions: the same as the context menu's.
+    void requestAction(ZoneMenu::Action action);
 
 Q_SIGNALS:
     void hoverEntered();
@@ -60,8 +64,7 @@ Q_SIGNALS:
     void dragStarted(const QPoint &pressPosition);
     void dragMoved(const QPoint &globalPosition);
     void dragFinished();
-    void renameRequested();
-    void moveRequested(int step);
+    void actionRequested(ZoneMenu::Action action);
     void removalCancelled();
     void removalConfirmed();
     void highlightAmountChanged();

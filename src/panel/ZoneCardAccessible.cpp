@@ -1,15 +1,15 @@
 #include "ZoneCardAccessible.h"
 
+#include "AccessibleRetirement.h"
 #include "ZoneCard.h"
-
-const QString ZoneCardAccessible::renameAction = QStringLiteral("Rename");
-const QString ZoneCardAccessible::moveUpAction = QStringLiteral("Move up");
-const QString ZoneCardAccessible::moveDownAction = QStringLiteral("Move down");
+#include "ZoneRowTexts.h"
 
 namespace {
 
 QAccessibleInterface *zoneCardFactory(const QString &className, QObject *object)
 {
+    if (AccessibleRetirement::isRetired(object))
+        return nullptr;
     if (className == QLatin1String("ZoneCard"))
         return new ZoneCardAccessible(static_cast<ZoneCard *>(object));
     return nullptr;
@@ -30,29 +30,66 @@ void ZoneCardAccessible::install()
     Q_UNUSED(installed)
 }
 
+QAccessible::State ZoneCardAccessible::state() const
+{
+    QAccessible::State state = QAccessibleWidget::state();
+    const ZoneCard::State &card = this->card()->state();
+    state.selectable = true;
+    state.selected = card.isSelected;
+    state.focusable = true;
+    state.focused = card.isSelected && this->card()->parentWidget()->hasFocus();
+    return state;
+}
+
+QString ZoneCardAccessible::text(QAccessible::Text t) const
+{
+    if (t != QAccessible::Description)
+        return QAccessibleWidget::text(t);
+    // What a sighted user reads on the card besides its name.
+    const ZoneRow::State &row = card()->state().row;
+    QStringList parts{ZoneRowTexts::timeText(row.zone, row.format, row.now),
+                      ZoneRowTexts::subtitle(row.zone, row.now, row.localZone)};
+    if (row.zone.isPinned)
+        parts.append(QStringLiteral("pinned"));
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
+}
+
+QList<ZoneCardAccessible::NamedAction> ZoneCardAccessible::actions() const
+{
+    using Action = ZoneMenu::Action;
+    const bool pinned = card()->state().row.zone.isPinned;
+    return {
+        {QStringLiteral("Rename"), Action::rename},
+        {pinned ? QStringLiteral("Unpin") : QStringLiteral("Pin"), Action::togglePin},
+        {QStringLiteral("Copy time"), Action::copyTime},
+        {QStringLiteral("Move up"), Action::moveUp},
+        {QStringLiteral("Move down"), Action::moveDown},
+        {QStringLiteral("Remove city\u2026"), Action::remove},
+    };
+}
+
 QStringList ZoneCardAccessible::actionNames() const
 {
-    return QStringList{renameAction, moveUpAction, moveDownAction} +
-           QAccessibleWidget::actionNames();
+    QStringList names;
+    for (const NamedAction &action : actions())
+        names.append(action.name);
+    return names;
 }
 
 QString ZoneCardAccessible::localizedActionName(const QString &actionName) const
 {
-    if (actionName == renameAction || actionName == moveUpAction || actionName == moveDownAction)
-        return actionName;
-    return QAccessibleWidget::localizedActionName(actionName);
+    return actionName;
 }
 
 void ZoneCardAccessible::doAction(const QString &actionName)
 {
-    if (actionName == renameAction)
-        card()->requestRename();
-    else if (actionName == moveUpAction)
-        card()->requestMove(-1);
-    else if (actionName == moveDownAction)
-        card()->requestMove(+1);
-    else
-        QAccessibleWidget::doAction(actionName);
+    for (const NamedAction &action : actions()) {
+        if (action.name == actionName) {
+            card()->requestAction(action.action);
+            return;
+        }
+    }
 }
 
 ZoneCard *ZoneCardAccessible::card() const

@@ -1,9 +1,11 @@
 #include "ZoneCardStack.h"
 
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "CardMotion.h"
 #include "ReorderDropTarget.h"
 #include "ZoneCard.h"
+#include "ZoneCardStackAccessible.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -61,6 +63,7 @@ ZoneCardStack::ZoneCardStack(QWidget *parent)
     , m_preview(new QLabel(this))
     , m_dropLine(new QWidget(this))
 {
+    ZoneCardStackAccessible::install();
     setObjectName(QStringLiteral("zone-cards"));
     setFocusPolicy(Qt::StrongFocus);
     m_preview->setObjectName(QStringLiteral("zone-drag-preview"));
@@ -85,6 +88,12 @@ ZoneCardStack::ZoneCardStack(QWidget *parent)
         update();
     });
     connect(m_motion, &QVariantAnimation::finished, this, [this] { m_moves.clear(); });
+}
+
+ZoneCardStack::~ZoneCardStack()
+{
+    // Its interface reads the list of cards, which goes before QWidget's part.
+    AccessibleRetirement::retire(this);
 }
 
 void ZoneCardStack::setCards(const QList<ZoneCard *> &cards, bool animated)
@@ -173,6 +182,18 @@ void ZoneCardStack::keyPressEvent(QKeyEvent *event)
     }
     event->accept();
     Q_EMIT commandRequested(command);
+}
+
+void ZoneCardStack::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    Q_EMIT focusChanged(true);
+}
+
+void ZoneCardStack::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    Q_EMIT focusChanged(false);
 }
 
 void ZoneCardStack::adopt(ZoneCard *card)

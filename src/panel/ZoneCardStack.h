@@ -27,6 +27,7 @@ public:
     static constexpr int verticalInset = 4;
 
     explicit ZoneCardStack(QWidget *parent = nullptr);
+    ~ZoneCardStack() override;
 
     const QList<ZoneCard *> &cards() const { return m_cards; }
     // The cards in list order. With `animated`, cards already placed glide
@@ -49,6 +50,8 @@ Q_SIGNALS:
     // The card at `offset` was dropped before the card at `destination`
     // (counted before the move; the count means the end).
     void reorderRequested(int offset, int destination);
+    // The list took or lost the keyboard.
+    void focusChanged(bool hasFocus);
 
 protected:
     bool event(QEvent *event) override;
@@ -56,6 +59,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     struct Move

@@ -1,23 +1,28 @@
 #include "ZoneCollectionView.h"
 
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "CitySelectionAppearance.h"
 #include "Clock.h"
 #include "NameField.h"
 #include "ReduceMotion.h"
+#include "ScrollAreaAccessible.h"
 #include "TextLine.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneCardStack.h"
 #include "ZoneRowTexts.h"
 #include "ZoneStore.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStackedLayout>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -41,6 +46,7 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
     , m_scroll(new QScrollArea(this))
     , m_stack(new ZoneCardStack)
 {
+    ScrollAreaAccessible::install();
     setObjectName(QStringLiteral("zone-collection"));
 
     // The empty state: symbol, title and a line of help, centred.
@@ -72,6 +78,9 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // One tab stop for the whole list: the cards' column, never the scroll area.
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    setFocusProxy(m_stack);
     m_scroll->setWidget(m_stack);
     m_scroll->viewport()->setAutoFillBackground(false);
     m_scroll->viewport()->setBackgroundRole(QPalette::Window);
@@ -90,6 +99,17 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
         connect(&m_state, signal, this, &ZoneCollectionView::refreshCards);
     connect(&m_state, &ZoneCollectionState::selectedIdChanged, this,
             &ZoneCollectionView::ensureSelectedVisible);
+    connect(&m_state, &ZoneCollectionState::selectedIdChanged, this,
+            &ZoneCollectionView::announceSelection);
+    // A confirmation grows its card: show all of it once the card has its new size.
+    connect(&m_state, &ZoneCollectionState::removingZoneChanged, this, [this] {
+        if (const std::optional<SavedZone> removing = m_state.removingZone())
+            ensureVisibleLater(removing->id);
+    });
+    connect(m_stack, &ZoneCardStack::focusChanged, this, &ZoneCollectionView::listFocusChanged);
+    // The card under the pointer changes when the list scrolls under it.
+    connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &ZoneCollectionView::updateHoverFromPointer);
     connect(m_stack, &ZoneCardStack::commandRequested, this, &ZoneCollectionView::runCommand);
     connect(m_stack, &ZoneCardStack::reorderRequested, this,
             [this](int offset, int destination) { m_state.moveDragged({offset}, destination); });
@@ -104,6 +124,16 @@ void ZoneCollectionView::setReduceMotion(bool reduceMotion)
         return;
     m_reduceMotion = reduceMotion;
     refreshCards();
+}
+
+void ZoneCollectionView::focusList()
+{
+    m_stack->setFocus(Qt::TabFocusReason);
+}
+
+QWidget *ZoneCollectionView::focusTarget() const
+{
+    return m_stack;
 }
 
 void ZoneCollectionView::leave()
@@ -159,6 +189,7 @@ void ZoneCollectionView::rebuild()
         order.append(zone.id);
 
     // Drop the cards of zones that are gone; the rest are kept as they are.
+    QList<ZoneCard *> gone;
     for (auto it = m_cards.begin(); it != m_cards.end();) {
         if (order.contains(it.key())) {
             ++it;
@@ -168,15 +199,16 @@ void ZoneCollectionView::rebuild()
         it = m_cards.erase(it);
         if (card->isAncestorOf(QApplication::focusWidget()))
             m_stack->setFocus(Qt::OtherFocusReason);
-        // Later: the press that removed it may still be on its way out of it.
-        card->hide();
-        card->deleteLater();
+        gone.append(card);
     }
     QList<ZoneCard *> cards;
+    QList<QUuid> added;
     for (const SavedZone &zone : zones) {
         ZoneCard *&card = m_cards[zone.id];
-        if (!card)
+        if (!card) {
             card = makeCard(zone);
+            added.append(zone.id);
+        }
         cards.append(card);
     }
     const bool reordered = order != m_order;
@@ -184,8 +216,16 @@ void ZoneCollectionView::rebuild()
 
     refreshCards();
     m_stack->setCards(cards, reordered && !m_reduceMotion);
+    // Out of the list first, so that nothing reads a card on its way out.
+    for (ZoneCard *card : std::as_const(gone))
+        AccessibleRetirement::deleteLater(card);
     m_pages->setCurrentWidget(zones.isEmpty() ? m_placeholder : static_cast<QWidget *>(m_scroll));
     updateTabOrder();
+    // A city just added shows where it landed; the first fill shows the top.
+    if (!added.isEmpty() && added.size() < zones.size())
+        ensureVisibleLater(added.last());
+    if (!gone.isEmpty() || reordered)
+        QTimer::singleShot(0, this, &ZoneCollectionView::updateHoverFromPointer);
 }
 
 void ZoneCollectionView::refreshCards()
@@ -211,6 +251,10 @@ ZoneCard::State ZoneCollectionView::cardState(const SavedZone &zone,
     state.row.isReorderHighlighted = m_state.isHighlighted(zone.id);
     state.row.canReorder = m_state.canReorder();
     state.isHighlighted = m_state.isHighlighted(zone.id);
+    state.isSelected = m_state.selectedId() == zone.id;
+    // The ring, as the style draws it for buttons, once the keyboard is in use.
+    state.showsFocus = state.isSelected && m_stack->hasFocus() &&
+                       window()->testAttribute(Qt::WA_KeyboardFocusChange);
     state.isConfirmingRemoval = m_state.isConfirmingRemoval(zone.id);
     state.showsIdentifier = m_showsIdentifiers;
     state.reduceMotion = m_reduceMotion;
@@ -248,11 +292,8 @@ ZoneCard *ZoneCollectionView::makeCard(const SavedZone &zone)
         m_stack->setFocus(Qt::MouseFocusReason);
     });
     connect(card, &ZoneCard::doubleClicked, this, rename);
-    connect(card, &ZoneCard::renameRequested, this, rename);
-    connect(card, &ZoneCard::moveRequested, this, [this, id](int step) {
-        if (const std::optional<SavedZone> found = findZone(id))
-            m_state.move(*found, step);
-    });
+    connect(card, &ZoneCard::actionRequested, this,
+            [this, id](ZoneMenu::Action action) { runMenuAction(action, id); });
     connect(card, &ZoneCard::contextMenuRequested, this,
             [this, id](const QPoint &globalPosition) { openMenu(id, globalPosition); });
     connect(card, &ZoneCard::removalCancelled, this, [this] { m_state.cancelRemoval(); });
@@ -404,4 +445,56 @@ void ZoneCollectionView::ensureSelectedVisible()
         return;
     if (ZoneCard *card = m_cards.value(*m_state.selectedId()))
         m_scroll->ensureWidgetVisible(card, 0, ZoneCardStack::verticalInset);
+}
+
+void ZoneCollectionView::ensureVisibleLater(const QUuid &id)
+{
+    // After the stack has placed the cards at their new sizes.
+    QTimer::singleShot(0, this, [this, id] {
+        m_stack->relayout();
+        if (ZoneCard *card = m_cards.value(id))
+            m_scroll->ensureWidgetVisible(card, 0, ZoneCardStack::verticalInset);
+    });
+}
+
+void ZoneCollectionView::listFocusChanged(bool hasFocus)
+{
+    if (hasFocus && !m_state.selectedId() && !m_order.isEmpty()) {
+        m_state.setSelectedId(m_order.first());
+    }
+    refreshCards();
+    // Qt announces the list itself after this; the card follows it.
+    if (hasFocus)
+        QTimer::singleShot(0, this, &ZoneCollectionView::announceSelection);
+}
+
+void ZoneCollectionView::announceSelection()
+{
+    if (!m_stack->hasFocus() || !m_state.selectedId() || !QAccessible::isActive())
+        return;
+    ZoneCard *card = m_cards.value(*m_state.selectedId());
+    if (!card)
+        return;
+    QAccessibleEvent selection(card, QAccessible::Selection);
+    QAccessible::updateAccessibility(&selection);
+    QAccessibleEvent focus(card, QAccessible::Focus);
+    QAccessible::updateAccessibility(&focus);
+}
+
+void ZoneCollectionView::updateHoverFromPointer()
+{
+    if (!isVisible() || m_stack->isDragging())
+        return;
+    const QPoint global = QCursor::pos();
+    QWidget *viewport = m_scroll->viewport();
+    if (viewport->rect().contains(viewport->mapFromGlobal(global))) {
+        const QPoint pointer = m_stack->mapFromGlobal(global);
+        for (auto it = m_cards.cbegin(); it != m_cards.cend(); ++it) {
+            if (it.value()->isVisible() && it.value()->geometry().contains(pointer)) {
+                m_state.hoverEntered(it.key());
+                return;
+            }
+        }
+    }
+    m_state.hoverCleared();
 }

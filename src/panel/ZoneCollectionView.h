@@ -47,6 +47,12 @@ public:
     // removal confirmation dropped. Also runs when the list is hidden.
     void leave();
 
+    // Gives the list the keyboard; its selection (the first card when there
+    // is none) is then announced.
+    void focusList();
+    // The one widget of the list that takes the keyboard.
+    QWidget *focusTarget() const;
+
     // The context menu of a zone, for keyboard and assistive use; the same
     // as a right click on its card. Null when the zone is unknown.
     QMenu *openMenu(const QUuid &id, const QPoint &globalPosition);
@@ -70,6 +76,10 @@ private:
     void runCommand(CollectionKeys::Command command);
     void selectAdjacent(int step);
     void ensureSelectedVisible();
+    void ensureVisibleLater(const QUuid &id);
+    void listFocusChanged(bool hasFocus);
+    void announceSelection();
+    void updateHoverFromPointer();
 
     ZoneStore &m_store;
     Clock &m_clock;

@@ -1,10 +1,12 @@
 #include "ZoneListView.h"
 
+#include "AccessibleRetirement.h"
 #include "AddZoneButton.h"
 #include "AddZoneView.h"
 #include "AppStyle.h"
 #include "Divider.h"
 #include "Eyebrow.h"
+#include "ReturnPressesButtons.h"
 #include "TextLine.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
@@ -12,6 +14,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedLayout>
@@ -45,6 +48,7 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
           footerButton(QStringLiteral("Settings\u2026"), QStringLiteral("open-settings")))
 {
     setObjectName(QStringLiteral("zone-list"));
+    ReturnPressesButtons::install();
     setFixedSize(panelWidth, panelHeight);
 
     // Header: the mark, the name and the line under it.
@@ -67,6 +71,9 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     add->setObjectName(QStringLiteral("add-city-button"));
     add->setControlSize(AddZoneButton::ControlSize::small);
     connect(add, &QPushButton::clicked, this, &ZoneListView::showAdd);
+    // Down from the header goes on into the list, as Tab does.
+    add->installEventFilter(this);
+    m_addButton = add;
     auto *countRow = new QHBoxLayout;
     countRow->setContentsMargins(20, 0, 20, 12);
     countRow->addWidget(m_count);
@@ -107,6 +114,7 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     list->addWidget(new Divider);
     list->addLayout(footer);
     m_pages->addWidget(m_list);
+    QWidget::setTabOrder(add, m_collection->focusTarget());
 
     connect(&m_store, &ZoneStore::zonesChanged, this, &ZoneListView::updateCount);
     updateCount();
@@ -134,10 +142,9 @@ void ZoneListView::showList()
     if (!m_addView)
         return;
     m_pages->setCurrentWidget(m_list);
-    m_addView->hide();
-    m_addView->deleteLater();
+    AccessibleRetirement::deleteLater(m_addView);
     m_addView = nullptr;
-    m_collection->setFocus();
+    m_collection->focusList();
 }
 
 void ZoneListView::hideEvent(QHideEvent *event)
@@ -150,6 +157,16 @@ void ZoneListView::hideEvent(QHideEvent *event)
 void ZoneListView::updateCount()
 {
     m_count->setTitle(QStringLiteral("Your cities \u00b7 %1").arg(m_store.zones().size()));
+}
+
+bool ZoneListView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_addButton && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down) {
+        m_collection->focusList();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ZoneListView::changeEvent(QEvent *event)

@@ -40,6 +40,7 @@ Q_SIGNALS:
     void quitRequested();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
@@ -55,6 +56,7 @@ private:
     ZoneCollectionView *m_collection;
     QPushButton *m_updateButton;
     QPushButton *m_settingsButton;
+    QPushButton *m_addButton = nullptr;
     AddZoneView *m_addView = nullptr;
     bool m_tinting = false;
 };

@@ -1,5 +1,6 @@
 #include "ZoneRow.h"
 
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "DecorativeAccessible.h"
 #include "InlineEditButton.h"
@@ -208,8 +209,7 @@ void ZoneRow::updateRenaming()
         // Deleted later: the field may be the sender of the signal that ended the rename.
         NameField *field = m_field;
         m_field = nullptr;
-        field->hide();
-        field->deleteLater();
+        AccessibleRetirement::deleteLater(field);
         m_name->show();
     }
     if (m_field) {

@@ -1,5 +1,6 @@
 #include "SettingsView.h"
 
+#include "AccessibleRetirement.h"
 #include "AddZoneButton.h"
 #include "AddZoneView.h"
 #include "AppStyle.h"
@@ -7,6 +8,7 @@
 #include "Eyebrow.h"
 #include "GeneralTab.h"
 #include "MenuBarTab.h"
+#include "ReturnPressesButtons.h"
 #include "TextLine.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
@@ -48,6 +50,7 @@ SettingsView::SettingsView(ZoneStore &store, Clock &clock, AppUpdater &updates, 
     , m_generalTab(new GeneralTab(updates))
 {
     setObjectName(QStringLiteral("settings"));
+    ReturnPressesButtons::install();
     setFixedSize(viewWidth, viewHeight);
 
     auto *title = new TextLine(AppStyle::uiFont(23, QFont::DemiBold));
@@ -133,7 +136,10 @@ void SettingsView::showAdd()
     connect(view, &AddZoneView::closeRequested, sheet, &QDialog::accept);
     // However it closes (Done, Escape, a choice, the window's close button),
     // the button opens a new one.
-    connect(sheet, &QDialog::finished, this, [this] { m_addSheet = nullptr; });
+    connect(sheet, &QDialog::finished, this, [this, sheet] {
+        AccessibleRetirement::retire(sheet);
+        m_addSheet = nullptr;
+    });
     m_addSheet = sheet;
     sheet->show();
 }

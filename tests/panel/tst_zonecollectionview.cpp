@@ -1,3 +1,4 @@
+#include "AccessibleRetirement.h"
 #include "AppStyle.h"
 #include "InlineEditButton.h"
 #include "NameField.h"
@@ -13,6 +14,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -205,6 +207,7 @@ private Q_SLOTS:
     void keyboardSelectsMovesRenamesAndOpensTheMenu();
     void tabReachesEveryButton();
     void accessibleActions();
+    void listSelectsAndRetiresCards();
     void reduceMotionIsReadFromTheEnvironment();
     void motionUnlessReduced_data();
     void motionUnlessReduced();
@@ -517,7 +520,9 @@ void TestZoneCollectionView::keyboardSelectsMovesRenamesAndOpensTheMenu()
     ListWindow w;
     w.stack()->setFocus();
     QTRY_VERIFY_WITH_TIMEOUT(w.stack()->hasFocus(), timeout);
-    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Up})
+    // Taking the keyboard selects the first card.
+    QCOMPARE(w.view->state().selectedId(), w.panel.id(0));
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up})
         QTest::keyClick(w.stack(), key);
     QCOMPARE(w.view->state().selectedId(), w.panel.id(1));
 
@@ -565,13 +570,53 @@ void TestZoneCollectionView::accessibleActions()
     QVERIFY(card && card->actionInterface());
     QCOMPARE(card->role(), QAccessible::ListItem);
     QCOMPARE(card->text(QAccessible::Name), QStringLiteral("Tokyo"));
-    card->actionInterface()->doAction(QStringLiteral("Move down"));
+    QCOMPARE(card->text(QAccessible::Description), QStringLiteral("09:30, JST \u00b7 +9h"));
+    QAccessibleActionInterface *actions = card->actionInterface();
+    actions->doAction(QStringLiteral("Move down"));
     QCOMPARE(w.panel.displayNames(), (QStringList{"Stockholm", "Office", "Tokyo", "London"}));
-    card->actionInterface()->doAction(QStringLiteral("Rename"));
+    actions->doAction(QStringLiteral("Pin"));
+    QVERIFY(w.panel.store->zone(tokyo->zoneId())->isPinned);
+    QVERIFY(actions->actionNames().contains(QStringLiteral("Unpin")));
+    QVERIFY(card->text(QAccessible::Description).endsWith(QStringLiteral(", pinned")));
+    actions->doAction(QStringLiteral("Copy time"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("Tokyo 09:30"));
+    actions->doAction(QStringLiteral("Rename"));
     QCOMPARE(w.view->state().editingId(), tokyo->zoneId());
+    actions->doAction(QStringLiteral("Remove city\u2026"));
+    QCOMPARE(w.view->state().removingZone()->id, tokyo->zoneId());
     // Decoration is skipped by assistive technology.
     QVERIFY(
         QAccessible::queryAccessibleInterface(w.in("London", "zone-handle"))->state().invisible);
+}
+
+void TestZoneCollectionView::listSelectsAndRetiresCards()
+{
+    // What is announced, and when, is read over the real bus by the screen
+    // reader walkthrough; here, what an assistive technology finds.
+    ListWindow w;
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(w.stack());
+    QCOMPARE(list->role(), QAccessible::List);
+    QCOMPARE(list->text(QAccessible::Name), QStringLiteral("Your cities"));
+    QCOMPARE(list->childCount(), 4);
+
+    w.view->focusList();
+    QTRY_VERIFY(w.stack()->hasFocus());
+    QTest::keyClick(w.stack(), Qt::Key_Down);
+    QAccessibleInterface *tokyo = list->child(1);
+    QVERIFY(tokyo->state().selected && tokyo->state().focused);
+    QVERIFY(!list->child(0)->state().selected);
+    QCOMPARE(list->focusChild(), tokyo);
+    QCOMPARE(list->indexOfChild(tokyo), 1);
+
+    // A removed card leaves the list at once and is never given an interface again.
+    QPointer<ZoneCard> removed = w.card("Tokyo");
+    w.panel.store->remove(removed->zoneId());
+    QVERIFY(AccessibleRetirement::isRetired(removed));
+    QCOMPARE(list->childCount(), 3);
+    for (int i = 0; i < list->childCount(); ++i)
+        QVERIFY(list->child(i)->object() != removed.data());
+    QVERIFY(QAccessible::queryAccessibleInterface(removed)->role() != QAccessible::ListItem);
+    QTRY_VERIFY(removed.isNull());
 }
 
 void TestZoneCollectionView::reduceMotionIsReadFromTheEnvironment()
@@ -627,8 +672,7 @@ void TestZoneCollectionView::noNativeSelectionHighlight()
 void TestZoneCollectionView::highlightRecoloursWithThePalette()
 {
     ListWindow w;
-    w.stack()->setFocus();
-    QTest::keyClick(w.stack(), Qt::Key_Down);
+    w.view->focusList();
     ZoneCard *card = w.cards().constFirst();
     QVERIFY(card->state().isHighlighted);
     const auto border = [card] { return card->grab().toImage().pixelColor(card->width() / 2, 0); };

@@ -1,11 +1,14 @@
 #include "AddZoneView.h"
 #include "Eyebrow.h"
 #include "PanelTestSupport.h"
+#include "ZoneCard.h"
 #include "ZoneCollectionView.h"
 #include "ZoneListView.h"
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -23,6 +26,9 @@ private Q_SLOTS:
     void footerCommands_data();
     void footerCommands();
     void updateButtonFollowsTheUpdater();
+    void keyboardEntersTheList_data();
+    void keyboardEntersTheList();
+    void confirmationAndNewCityScrollIntoView();
 
 private:
     QPushButton *button(const char *name) const { return m_view->findChild<QPushButton *>(name); }
@@ -125,6 +131,12 @@ void TestZoneListView::footerCommands_data()
                                  << "quit";
     QTest::newRow("Ctrl+Q") << "key:quit"
                             << "quit";
+    QTest::newRow("Return on Settings") << "return:open-settings"
+                                        << "settings";
+    QTest::newRow("Return on Quit") << "return:quit"
+                                    << "quit";
+    QTest::newRow("Return on Add city") << "return:add-city-button"
+                                        << "add";
 }
 
 void TestZoneListView::footerCommands()
@@ -136,13 +148,19 @@ void TestZoneListView::footerCommands()
     QCOMPARE(button("open-settings")->text(), QStringLiteral("Settings\u2026"));
     if (how.startsWith(u"click:")) {
         QTest::mouseClick(button(qPrintable(how.mid(6))), Qt::LeftButton);
+    } else if (how.startsWith(u"return:")) {
+        QPushButton *target = button(qPrintable(how.mid(7)));
+        target->setFocus(Qt::TabFocusReason);
+        QTRY_VERIFY(target->hasFocus());
+        QTest::keyClick(target, Qt::Key_Return);
+        QTRY_COMPARE(m_view->isShowingAdd(), expected == u"add");
     } else if (how == u"key:settings") {
         QTest::keyClick(m_view->windowHandle(), Qt::Key_Comma, Qt::ControlModifier);
     } else {
         QTest::keyClick(m_view->windowHandle(), Qt::Key_Q, Qt::ControlModifier);
     }
-    QCOMPARE(settings.count(), expected == u"settings" ? 1 : 0);
-    QCOMPARE(quit.count(), expected == u"quit" ? 1 : 0);
+    QTRY_COMPARE(settings.count(), expected == u"settings" ? 1 : 0);
+    QTRY_COMPARE(quit.count(), expected == u"quit" ? 1 : 0);
 }
 
 void TestZoneListView::updateButtonFollowsTheUpdater()
@@ -157,6 +175,74 @@ void TestZoneListView::updateButtonFollowsTheUpdater()
     m_view->setCanCheckForUpdates(true);
     QTest::mouseClick(update, Qt::LeftButton);
     QCOMPARE(requested.count(), 1);
+}
+
+void TestZoneListView::keyboardEntersTheList_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Down") << int(Qt::Key_Down);
+    QTest::newRow("Tab") << int(Qt::Key_Tab);
+}
+
+void TestZoneListView::keyboardEntersTheList()
+{
+    QFETCH(int, key);
+    QPushButton *add = button("add-city-button");
+    add->setFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(add->hasFocus());
+    QTest::keyClick(add, Qt::Key(key));
+    QWidget *list = m_view->collection().focusTarget();
+    QTRY_VERIFY(list->hasFocus());
+    // The first card is selected and shows the keyboard's ring.
+    QCOMPARE(m_view->collection().state().selectedId(), m_fixture->id(0));
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(m_view->collection().state().selectedId(), m_fixture->id(1));
+
+    // Back and Return from the search land on the list too.
+    QTest::mouseClick(add, Qt::LeftButton);
+    QPushButton *back = m_view->addView()->findChild<QPushButton *>("add-city-close");
+    back->setFocus(Qt::TabFocusReason);
+    QTRY_VERIFY(back->hasFocus());
+    QTest::keyClick(back, Qt::Key_Return);
+    QTRY_VERIFY(!m_view->isShowingAdd());
+    QTRY_VERIFY(list->hasFocus());
+}
+
+void TestZoneListView::confirmationAndNewCityScrollIntoView()
+{
+    const QStringList identifiers{"Europe/Stockholm", "Asia/Tokyo",      "Europe/London",
+                                  "America/New_York", "Europe/Paris",    "Australia/Sydney",
+                                  "Asia/Kolkata",     "America/Chicago", "Africa/Cairo",
+                                  "America/Lima",     "Asia/Singapore",  "Europe/Berlin"};
+    QList<SavedZone> zones;
+    for (const QString &identifier : identifiers)
+        zones.append(makeZone(identifier));
+    m_view.reset();
+    m_fixture = std::make_unique<PanelFixture>(zones);
+    m_view = std::make_unique<ZoneListView>(*m_fixture->store, *m_fixture->clock);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    const auto fullyShown = [](QWidget *widget) {
+        return widget && widget->visibleRegion().boundingRect() == widget->rect();
+    };
+
+    const QList<ZoneCard *> cards = m_view->collection().findChildren<ZoneCard *>();
+    ZoneCard *last = *std::max_element(cards.cbegin(), cards.cend(),
+                                       [](ZoneCard *a, ZoneCard *b) { return a->y() < b->y(); });
+    auto *remove = last->findChild<QPushButton *>("remove-confirm");
+    QVERIFY(!fullyShown(last));
+    last->requestAction(ZoneMenu::Action::remove);
+    QTRY_VERIFY(fullyShown(remove));
+
+    // Scrolled back to the top, a city added at the end comes into view.
+    m_view->collection().findChild<QScrollArea *>()->verticalScrollBar()->setValue(0);
+    m_fixture->store->add(QStringLiteral("Pacific/Auckland"));
+    ZoneCard *added = nullptr;
+    for (ZoneCard *card : m_view->collection().findChildren<ZoneCard *>()) {
+        if (card->state().row.zone.identifier == QStringLiteral("Pacific/Auckland"))
+            added = card;
+    }
+    QTRY_VERIFY(fullyShown(added));
 }
 
 QTEST_MAIN(TestZoneListView)

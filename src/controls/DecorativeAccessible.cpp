@@ -1,5 +1,7 @@
 #include "DecorativeAccessible.h"
 
+#include "AccessibleRetirement.h"
+
 #include <QVariant>
 #include <QWidget>
 
@@ -9,6 +11,8 @@ constexpr char decorativeProperty[] = "zonaraDecorative";
 
 QAccessibleInterface *decorativeFactory(const QString &, QObject *object)
 {
+    if (AccessibleRetirement::isRetired(object))
+        return nullptr;
     auto *widget = qobject_cast<QWidget *>(object);
     if (widget && DecorativeAccessible::isHidden(widget))
         return new DecorativeAccessible(widget);
