@@ -119,17 +119,7 @@ private:
 
 ZoneResultsAccessible::ZoneResultsAccessible(QListView *view)
     : QAccessibleWidget(view, QAccessible::List)
-    , m_modelWatch(std::make_unique<QObject>())
-{
-    // Rows are made per query: their interfaces go with the rows they stood for.
-    QAbstractItemModel *model = view->model();
-    const auto drop = [this] { dropItems(); };
-    QObject *watch = m_modelWatch.get();
-    QObject::connect(model, &QAbstractItemModel::modelReset, watch, drop);
-    QObject::connect(model, &QAbstractItemModel::rowsRemoved, watch, drop);
-    QObject::connect(model, &QAbstractItemModel::rowsInserted, watch, drop);
-    QObject::connect(model, &QAbstractItemModel::layoutChanged, watch, drop);
-}
+{}
 
 ZoneResultsAccessible::~ZoneResultsAccessible()
 {
@@ -148,6 +138,7 @@ void ZoneResultsAccessible::install(const QString &objectName)
 
 int ZoneResultsAccessible::childCount() const
 {
+    watchModel();
     return view()->model() ? view()->model()->rowCount() : 0;
 }
 
@@ -155,6 +146,7 @@ QAccessibleInterface *ZoneResultsAccessible::child(int index) const
 {
     if (index < 0 || index >= childCount())
         return nullptr;
+    watchModel();
     auto it = m_items.constFind(index);
     if (it != m_items.cend())
         return QAccessible::accessibleInterface(*it);
@@ -182,6 +174,27 @@ QAccessibleInterface *ZoneResultsAccessible::focusChild() const
 QListView *ZoneResultsAccessible::view() const
 {
     return static_cast<QListView *>(widget());
+}
+
+void ZoneResultsAccessible::watchModel() const
+{
+    // The view may be given its model after this interface was made.
+    QAbstractItemModel *model = view()->model();
+    if (model == m_model)
+        return;
+    const_cast<ZoneResultsAccessible *>(this)->dropItems();
+    m_model = model;
+    m_modelWatch = std::make_unique<QObject>();
+    if (!model)
+        return;
+    // Rows are made per query: their interfaces go with the rows they stood for.
+    auto *self = const_cast<ZoneResultsAccessible *>(this);
+    const auto drop = [self] { self->dropItems(); };
+    QObject *watch = m_modelWatch.get();
+    QObject::connect(model, &QAbstractItemModel::modelReset, watch, drop);
+    QObject::connect(model, &QAbstractItemModel::rowsRemoved, watch, drop);
+    QObject::connect(model, &QAbstractItemModel::rowsInserted, watch, drop);
+    QObject::connect(model, &QAbstractItemModel::layoutChanged, watch, drop);
 }
 
 void ZoneResultsAccessible::dropItems()

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QAbstractItemModel>
 #include <QAccessibleWidget>
 #include <QHash>
+#include <QPointer>
 
 #include <memory>
 
@@ -27,9 +29,11 @@ public:
 
 private:
     QListView *view() const;
+    void watchModel() const;
     void dropItems();
 
     mutable QHash<int, QAccessible::Id> m_items;
-    // Disconnects the model's signals when this interface goes.
-    std::unique_ptr<QObject> m_modelWatch;
+    mutable QPointer<QAbstractItemModel> m_model;
+    // Disconnects the model's signals when this interface or model goes.
+    mutable std::unique_ptr<QObject> m_modelWatch;
 };
