@@ -43,7 +43,10 @@ ZoneEditor::Result BusZoneEditor::edit(const QString &method, const QVariantList
     const std::optional<QVariant> answer = call(method, arguments);
     if (!answer)
         return Result::Unreachable;
-    return answer->toBool() ? Result::Done : Result::Ignored;
+    if (!answer->toBool())
+        return Result::Ignored;
+    const std::optional<QVariant> failed = call(QStringLiteral("SaveFailed"));
+    return failed && failed->toBool() ? Result::Unsaved : Result::Done;
 }
 
 std::optional<QList<SavedZone>> BusZoneEditor::zones()
