@@ -9,7 +9,8 @@ packages=(
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then
-    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick)
+    # clang and its libFuzzer runtime build the fuzz targets.
+    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick clang libclang-rt-14-dev)
 fi
 
 missing=()
