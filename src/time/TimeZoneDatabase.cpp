@@ -53,10 +53,10 @@ std::optional<QString> zoneKeepingTimeOf(const QTimeZone &rule)
     const int offset = rule.offsetFromUtc(instants.constFirst());
     if (offset % 3600 == 0) {
         const int hours = -offset / 3600;
-        const QString fixed =
-            hours == 0
-                ? QStringLiteral("Etc/UTC")
-                : QStringLiteral("Etc/GMT%1%2").arg(hours > 0 ? u'+' : u'-').arg(std::abs(hours));
+        const QString fixed = hours == 0 ? QStringLiteral("Etc/UTC")
+                                         : QStringLiteral("Etc/GMT%1%2")
+                                               .arg(QChar(hours > 0 ? u'+' : u'-'))
+                                               .arg(std::abs(hours));
         if (keepsTime(fixed))
             return fixed;
     }
