@@ -18,9 +18,9 @@
 
 namespace {
 
-// Long enough for fifty editors in a row; a holder that died is detected at
-// once, so this only runs out when one hangs.
-constexpr int lockTimeoutMs = 20000;
+// Long enough for fifty editors in a row on a loaded machine; a holder that
+// died is detected at once, so this only runs out when one hangs.
+constexpr int lockTimeoutMs = 60000;
 
 // QSettings decodes "@Variant(...)" values through QDataStream, which recurses
 // into nested lists without bound. We never write one, so a file holding one

@@ -316,7 +316,17 @@ void ZoneStore::show(const QList<SavedZone> &zones, MenuBarFormat format, bool a
 {
     const bool zonesDiffer = zones != m_zones;
     const bool formatDiffers = format != m_format;
-    m_zones = zones;
+    // Changed in place where the length allows, so that a caller walking the
+    // list while it edits never walks freed memory; never shared otherwise.
+    if (zones.size() == m_zones.size()) {
+        for (qsizetype i = 0; i < zones.size(); ++i) {
+            if (m_zones.at(i) != zones.at(i))
+                m_zones[i] = zones.at(i);
+        }
+    } else {
+        m_zones = zones;
+        m_zones.detach();
+    }
     m_format = format;
     if (zonesDiffer || announceZones)
         Q_EMIT zonesChanged();

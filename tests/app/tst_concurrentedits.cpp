@@ -126,8 +126,8 @@ void TestConcurrentEdits::fiftyAtOnce()
     for (int i = 0; i < m_zones.size(); ++i)
         editors.push_back(start({"add", m_zones.at(i), "--nickname", m_zones.at(i)}, i < direct));
     for (const auto &editor : editors) {
-        QVERIFY(editor->waitForFinished(60000));
-        QCOMPARE(editor->exitCode(), 0);
+        QVERIFY(editor->waitForFinished(90000));
+        QVERIFY2(editor->exitCode() == 0, editor->readAllStandardError().constData());
     }
     const QSet<QString> all(m_zones.cbegin(), m_zones.cend());
     QVERIFY(storedNicknames().contains(all));
