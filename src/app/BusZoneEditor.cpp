@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr int callTimeoutMs = 5000;
+// An edit may wait for the preferences' lock as long as any writer does.
+constexpr int callTimeoutMs = 65000;
 
 QString idText(const QUuid &id)
 {
