@@ -9,8 +9,10 @@ packages=(
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then
+    # clang and its libFuzzer runtime build the fuzz targets; at-spi2-core and
+    # python3-pyatspi let a test read the program as a screen reader does.
     packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils
-               at-spi2-core python3-pyatspi)
+               at-spi2-core python3-pyatspi clang libclang-rt-14-dev)
 fi
 
 missing=()

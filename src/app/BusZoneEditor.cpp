@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr int callTimeoutMs = 5000;
+// An edit may wait for the preferences' lock as long as any writer does.
+constexpr int callTimeoutMs = 65000;
 
 QString idText(const QUuid &id)
 {
@@ -43,7 +44,10 @@ ZoneEditor::Result BusZoneEditor::edit(const QString &method, const QVariantList
     const std::optional<QVariant> answer = call(method, arguments);
     if (!answer)
         return Result::Unreachable;
-    return answer->toBool() ? Result::Done : Result::Ignored;
+    if (!answer->toBool())
+        return Result::Ignored;
+    const std::optional<QVariant> failed = call(QStringLiteral("SaveFailed"));
+    return failed && failed->toBool() ? Result::Unsaved : Result::Done;
 }
 
 std::optional<QList<SavedZone>> BusZoneEditor::zones()

@@ -2,6 +2,7 @@
 
 #include "BusZoneEditor.h"
 #include "Clock.h"
+#include "IsoInstant.h"
 #include "MemoryPreferencesStore.h"
 #include "MenuBarFormatter.h"
 #include "StoreZoneEditor.h"
@@ -20,7 +21,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QTextStream>
@@ -55,19 +55,6 @@ QString formatNames()
     for (MenuBarFormat format : MenuBarFormats::allCases())
         names.append(MenuBarFormats::rawValue(format));
     return names.join(QStringLiteral(", "));
-}
-
-// An ISO-8601 date and time with an explicit offset ("Z" or ±hh:mm).
-std::optional<QDateTime> parseInstant(const QString &text)
-{
-    static const QRegularExpression shape(QStringLiteral(
-        R"(^\d{4}-\d{2}-\d{2}T\d{2}:\d{2}(:\d{2}(\.\d{1,3})?)?(Z|[+-]\d{2}:?\d{2})$)"));
-    if (!shape.match(text).hasMatch())
-        return std::nullopt;
-    const QDateTime instant = QDateTime::fromString(text, Qt::ISODateWithMs);
-    if (!instant.isValid())
-        return std::nullopt;
-    return instant;
 }
 
 // A snapshot of the saved state, so that reading never writes: on a first run
@@ -169,7 +156,64 @@ bool CommandLine::isCommand(const QStringList &arguments)
     return !first.startsWith(u'-') || informational.contains(first);
 }
 
+std::optional<QString> CommandLine::unknownTrayOption(const QStringList &arguments)
+{
+    // Qt's documented options for any GUI program, with or without a value.
+    static const QStringList withValue{QStringLiteral("platform"),
+                                       QStringLiteral("platformpluginpath"),
+                                       QStringLiteral("platformtheme"),
+                                       QStringLiteral("plugin"),
+                                       QStringLiteral("qwindowgeometry"),
+                                       QStringLiteral("qwindowicon"),
+                                       QStringLiteral("qwindowtitle"),
+                                       QStringLiteral("geometry"),
+                                       QStringLiteral("title"),
+                                       QStringLiteral("display"),
+                                       QStringLiteral("name"),
+                                       QStringLiteral("session"),
+                                       QStringLiteral("style"),
+                                       QStringLiteral("stylesheet"),
+                                       QStringLiteral("qmljsdebugger")};
+    static const QStringList withoutValue{QStringLiteral("reverse"), QStringLiteral("widgetcount"),
+                                          QStringLiteral("nograb"), QStringLiteral("dograb"),
+                                          QStringLiteral("sync")};
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (argument == u"--settings")
+            continue;
+        // Qt takes its options after one dash or two, the value after '=' or
+        // as the next argument.
+        QStringView name(argument);
+        if (!name.startsWith(u'-'))
+            return argument;
+        name = name.sliced(name.startsWith(u"--") ? 2 : 1);
+        const qsizetype equals = name.indexOf(u'=');
+        const bool hasValue = equals >= 0;
+        if (hasValue)
+            name = name.first(equals);
+        if (withValue.contains(name)) {
+            if (!hasValue && ++i >= arguments.size())
+                return argument;
+        } else if (hasValue || !withoutValue.contains(name)) {
+            return argument;
+        }
+    }
+    return std::nullopt;
+}
+
 int CommandLine::run(const QStringList &arguments)
+{
+    const int status = dispatch(arguments);
+    // Said once, after whatever the command printed.
+    if (!m_preferences.keptCopy().isEmpty()) {
+        m_err << "zonara: your saved cities could not be read; the file was kept as "
+              << m_preferences.keptCopy() << '\n';
+        m_err.flush();
+    }
+    return status;
+}
+
+int CommandLine::dispatch(const QStringList &arguments)
 {
     const QString command = arguments.value(1);
     if (command == u"--help" || command == u"-h" || command == u"help")
@@ -290,6 +334,13 @@ int CommandLine::editResult(int result, const QString &ignoredMessage)
         m_err << "zonara: " << ignoredMessage << '\n';
         m_err.flush();
         return Refused;
+    case ZoneEditor::Result::Unsaved:
+        if (m_store) {
+            return usageError(QStringLiteral("your change could not be saved: %1")
+                                  .arg(m_preferences.saveError()));
+        }
+        return usageError(QStringLiteral("the running Zonara made the change but cannot save "
+                                         "it; it keeps it until it can"));
     case ZoneEditor::Result::Unreachable:
         break;
     }
@@ -323,7 +374,7 @@ int CommandLine::line(QCommandLineParser &parser)
     QDateTime at = QDateTime::currentDateTimeUtc();
     if (parser.isSet(QStringLiteral("at"))) {
         const QString text = parser.value(QStringLiteral("at"));
-        const std::optional<QDateTime> instant = parseInstant(text);
+        const std::optional<QDateTime> instant = IsoInstant::parse(text);
         if (!instant) {
             return usageError(QStringLiteral("\"%1\" is not an ISO-8601 date and time with an "
                                              "offset, such as 2026-01-05T20:00:07-05:00")

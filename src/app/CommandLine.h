@@ -22,6 +22,7 @@ class ZoneStore;
 class CommandLine final
 {
 public:
+    // A change that could not be saved ends with UsageError's status too.
     enum ExitCode { Success = 0, Refused = 1, UsageError = 2 };
 
     CommandLine(PreferencesStore &preferences, const QDBusConnection &bus, QTextStream &out,
@@ -32,11 +33,16 @@ public:
     // rather than for the tray program.
     static bool isCommand(const QStringList &arguments);
 
+    // For arguments that start the tray program: the first one that is
+    // neither its own (--settings) nor one of Qt's documented options.
+    static std::optional<QString> unknownTrayOption(const QStringList &arguments);
+
     // Runs the command in the arguments (the program name first) and returns
     // the exit status.
     int run(const QStringList &arguments);
 
 private:
+    int dispatch(const QStringList &arguments);
     int help();
     int line(QCommandLineParser &parser);
     int watch(QCommandLineParser &parser);

@@ -16,49 +16,43 @@ std::optional<MenuBarFormat> StoreZoneEditor::format()
     return m_store.format();
 }
 
+ZoneEditor::Result StoreZoneEditor::outcome(bool applied) const
+{
+    if (!applied)
+        return Result::Ignored;
+    return m_store.saveFailed() ? Result::Unsaved : Result::Done;
+}
+
 ZoneEditor::Result StoreZoneEditor::add(const QString &identifier,
                                         const std::optional<QString> &nickname, bool pinned)
 {
-    const qsizetype before = m_store.zones().size();
-    m_store.add(identifier, nickname, pinned);
-    return m_store.zones().size() > before ? Result::Done : Result::Ignored;
+    return outcome(m_store.add(identifier, nickname, pinned));
 }
 
 ZoneEditor::Result StoreZoneEditor::rename(const QUuid &id, const std::optional<QString> &nickname)
 {
-    if (!m_store.zone(id))
-        return Result::Ignored;
-    m_store.rename(id, nickname);
-    return Result::Done;
+    return outcome(m_store.rename(id, nickname));
 }
 
 ZoneEditor::Result StoreZoneEditor::setPinned(const QUuid &id, bool pinned)
 {
-    const std::optional<SavedZone> zone = m_store.zone(id);
-    if (!zone)
-        return Result::Ignored;
-    if (zone->isPinned != pinned)
-        m_store.togglePin(id);
-    return Result::Done;
+    return outcome(m_store.setPinned(id, pinned));
 }
 
 ZoneEditor::Result StoreZoneEditor::remove(const QUuid &id)
 {
-    if (!m_store.zone(id))
-        return Result::Ignored;
-    m_store.remove(id);
-    return Result::Done;
+    return outcome(m_store.remove(id));
 }
 
 ZoneEditor::Result StoreZoneEditor::moveZones(const QList<QUuid> &ids,
                                               const std::optional<QUuid> &before)
 {
     m_store.moveZones(ids, before);
-    return Result::Done;
+    return outcome(true);
 }
 
 ZoneEditor::Result StoreZoneEditor::setFormat(MenuBarFormat format)
 {
     m_store.setFormat(format);
-    return Result::Done;
+    return outcome(true);
 }

@@ -21,5 +21,7 @@ public:
     Result setFormat(MenuBarFormat format) override;
 
 private:
+    Result outcome(bool applied) const;
+
     ZoneStore &m_store;
 };

@@ -13,7 +13,9 @@
 class ZoneEditor
 {
 public:
-    enum class Result { Done, Ignored, Unreachable };
+    // Unsaved: made, but held in memory because the preferences could not
+    // be saved.
+    enum class Result { Done, Ignored, Unreachable, Unsaved };
 
     virtual ~ZoneEditor() = default;
 

@@ -13,7 +13,7 @@ std::optional<QString> nicknameFrom(bool hasNickname, const QString &nickname)
 
 bool done(ZoneEditor::Result result)
 {
-    return result == ZoneEditor::Result::Done;
+    return result == ZoneEditor::Result::Done || result == ZoneEditor::Result::Unsaved;
 }
 
 } // namespace
@@ -33,6 +33,11 @@ QByteArray ZoneService::Zones() const
 QString ZoneService::Format() const
 {
     return MenuBarFormats::rawValue(m_store.format());
+}
+
+bool ZoneService::SaveFailed() const
+{
+    return m_store.saveFailed();
 }
 
 bool ZoneService::Add(const QString &identifier, bool hasNickname, const QString &nickname,

@@ -19,9 +19,12 @@ public:
     ZoneService(ZoneStore &store, QObject *parent);
 
 public Q_SLOTS:
+    // Edits answer true when made, also when held unsaved.
     // The list in its stored form.
     QByteArray Zones() const;
     QString Format() const;
+    // Whether the running Zonara holds changes it could not save.
+    bool SaveFailed() const;
     bool Add(const QString &identifier, bool hasNickname, const QString &nickname, bool pinned);
     bool Rename(const QString &id, bool hasNickname, const QString &nickname);
     bool SetPinned(const QString &id, bool pinned);

@@ -39,6 +39,12 @@ int main(int argc, char *argv[])
         arguments.append(QString::fromLocal8Bit(argv[i]));
     if (CommandLine::isCommand(arguments))
         return runCommandLine(argc, argv);
+    // Refused before anything needs a display.
+    if (const std::optional<QString> unknown = CommandLine::unknownTrayOption(arguments)) {
+        std::fprintf(stderr, "zonara: unknown option \"%s\"; see \"zonara --help\"\n",
+                     unknown->toLocal8Bit().constData());
+        return CommandLine::UsageError;
+    }
 
     QApplication app(argc, argv);
     nameApplication();

@@ -27,6 +27,8 @@ int hexValue(char c)
 
 std::optional<QList<CityEntry>> CatalogJsonReader::read(QByteArrayView json)
 {
+    if (json.size() > maximumSize)
+        return std::nullopt;
     CatalogJsonReader reader(json);
     QList<CityEntry> cities;
     if (!reader.readCatalogue(cities))

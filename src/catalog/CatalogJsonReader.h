@@ -13,9 +13,12 @@
 class CatalogJsonReader final
 {
 public:
+    // Larger text is refused unread: the shipped catalogue is a few MB.
+    static constexpr qsizetype maximumSize = 64 * 1024 * 1024;
+
     // The entries in file order, or nothing when the text is not valid JSON,
     // its top level is not an array of objects, or an object lacks one of the
-    // three string members.
+    // three string members, or the text is larger than maximumSize.
     static std::optional<QList<CityEntry>> read(QByteArrayView json);
 
 private:

@@ -1,5 +1,7 @@
 #include "ZoneListCodec.h"
 
+#include "BinaryPlistShape.h"
+
 #include <plist/plist.h>
 
 #include <cstdlib>
@@ -124,10 +126,9 @@ std::optional<QByteArray> encode(const QList<SavedZone> &zones)
 
 std::optional<QList<SavedZone>> decode(const QByteArray &bytes)
 {
-    // Only the binary form is ours; plist_from_bin also rejects other layouts,
-    // but checking the magic first keeps odd input away from the parser.
-    if (!bytes.startsWith("bplist00") ||
-        bytes.size() > qsizetype(std::numeric_limits<uint32_t>::max()))
+    // The library's parser recurses into every container it meets, so only
+    // the shape a zone list can have reaches it.
+    if (bytes.size() > maximumSize || !BinaryPlistShape::isArrayOfFlatDictionaries(bytes))
         return std::nullopt;
 
     plist_t parsed = nullptr;

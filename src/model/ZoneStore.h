@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 #include <QUuid>
 
 #include <functional>
@@ -23,17 +24,26 @@ struct TimeZoneLookup
 };
 
 // The one owner of the user's list of cities and of the tray line format.
-// Every change is written to the preferences at once.
+// Every change is written to the preferences at once, as one locked step that
+// first takes in what other processes saved, so that no side overwrites the
+// other. Changes made outside are taken in as they appear. When saving fails
+// the changes stay in memory and are saved again with the next change, a
+// change outside, or a retry a little later.
 class ZoneStore final : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(bool saveFailed READ saveFailed NOTIFY saveFailedChanged)
 
 public:
     static const QString zonesKey;
     static const QString formatKey;
     static const QString seededKey;
 
+    // How long a failed save waits before it is tried again on its own.
+    static constexpr int retryIntervalMs = 15000;
+
     ZoneStore(PreferencesStore &preferences, TimeZoneLookup lookup, QObject *parent = nullptr);
+    ~ZoneStore() override;
 
     const QList<SavedZone> &zones() const { return m_zones; }
     // An equal list is written again but announces nothing.
@@ -47,14 +57,24 @@ public:
     // The zone with this id, if any.
     std::optional<SavedZone> zone(const QUuid &id) const;
 
+    // Whether changes are held in memory because they could not be saved.
+    bool saveFailed() const { return m_saveFailed; }
+
+    // The edits below answer whether they changed the list as saved now
+    // (including what other processes saved just before).
+
     // Ignored for an identifier the database does not resolve and for an
     // exact duplicate (same identifier and same untrimmed nickname).
-    void add(const QString &identifier, const std::optional<QString> &customLabel = std::nullopt,
+    bool add(const QString &identifier, const std::optional<QString> &customLabel = std::nullopt,
              bool isPinned = false);
-    void remove(const QUuid &id);
+    // Writes the list even when no zone has the id; answers whether one had.
+    bool remove(const QUuid &id);
     // The nickname is trimmed; a blank one means none.
-    void rename(const QUuid &id, const std::optional<QString> &customLabel);
-    void togglePin(const QUuid &id);
+    bool rename(const QUuid &id, const std::optional<QString> &customLabel);
+    bool togglePin(const QUuid &id);
+    // Sets the pin flag rather than flipping it, for callers that must not
+    // undo a flip made elsewhere in the meantime.
+    bool setPinned(const QUuid &id, bool isPinned);
     // Moves the zones at the offsets in front of the zone that stood at the
     // destination (counted before the move), keeping their order.
     void move(const QList<int> &offsets, int destination);
@@ -65,17 +85,40 @@ public:
 Q_SIGNALS:
     void zonesChanged();
     void formatChanged();
+    void saveFailedChanged();
 
 private:
+    // A change of the list, run on the list as saved; false when it changes
+    // nothing and needs no write.
+    using ZoneEdit = std::function<bool(QList<SavedZone> &)>;
+    enum class Announce { always, ifChanged };
+
     void load();
-    void seedIfNeeded();
-    void persistZones();
-    void persistFormat();
-    // Runs an in-place edit: it always announces and always writes.
-    void editInPlace(const std::function<void(QList<SavedZone> &)> &edit);
+    // Reads what is saved into m_saved*; false when the list is there but
+    // cannot be read.
+    bool readSaved();
+    // Saves the pending changes plus this one, on top of what is saved now;
+    // `plan` runs first, once what is saved has been read. Answers whether
+    // the edit changed the list.
+    bool commit(const ZoneEdit &edit, Announce announce,
+                const std::function<void()> &plan = nullptr);
+    void retry();
+    void takeOutsideChanges();
+    void show(const QList<SavedZone> &zones, MenuBarFormat format, bool announceZones);
+    void setSaveFailed(bool failed);
 
     PreferencesStore &m_preferences;
     TimeZoneLookup m_lookup;
     QList<SavedZone> m_zones;
     MenuBarFormat m_format = MenuBarFormat::labelTime24;
+
+    // What the preferences held when last read or written.
+    QList<SavedZone> m_savedZones;
+    MenuBarFormat m_savedFormat = MenuBarFormat::labelTime24;
+    // Changes not saved yet, replayed on top of what is saved at each attempt.
+    QList<ZoneEdit> m_pendingZones;
+    std::optional<MenuBarFormat> m_pendingFormat;
+    bool m_pendingSeeded = false;
+    bool m_saveFailed = false;
+    QTimer m_retry;
 };

@@ -7,11 +7,13 @@ class Clock;
 class Eyebrow;
 class QPushButton;
 class QStackedLayout;
+class TextLine;
 class ZoneCollectionView;
 class ZoneStore;
 
 // The panel's content: the header, the count of cities with "Add city", the
-// editable list and a footer with settings, the update check and quit.
+// editable list and a footer with settings, the update check and quit, and
+// above it a line while the preferences cannot be saved.
 // "Add city" swaps all of it for the city search until that closes.
 class ZoneListView final : public QWidget
 {
@@ -53,6 +55,7 @@ private:
     QStackedLayout *m_pages;
     QWidget *m_list;
     Eyebrow *m_count;
+    TextLine *m_saveError;
     ZoneCollectionView *m_collection;
     QPushButton *m_updateButton;
     QPushButton *m_settingsButton;

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -19,6 +20,51 @@ const ZoneInfoIndex &index()
 {
     static const ZoneInfoIndex instance = ZoneInfoIndex::read(zoneInfoDirectory());
     return instance;
+}
+
+// The same zones under other leap-second handling count as the zones.
+QString withoutLeapTree(QString name)
+{
+    for (const QLatin1StringView prefix :
+         {QLatin1StringView("posix/"), QLatin1StringView("right/")}) {
+        if (name.startsWith(prefix))
+            name = name.mid(prefix.size());
+    }
+    return name;
+}
+
+// A named zone that keeps the same time as a POSIX rule ("JST-9",
+// "EST5EDT,M3.2.0,M11.1.0") over the next two years: Etc/GMT-9 style for a
+// fixed whole hour, otherwise the first zone by name.
+std::optional<QString> zoneKeepingTimeOf(const QTimeZone &rule)
+{
+    QList<QDateTime> instants;
+    const QDate today = QDate::currentDate();
+    for (int half = 0; half < 48; ++half) {
+        const QDate day = today.addMonths(half / 2).addDays(half % 2 ? 15 : 0);
+        instants.append(QDateTime(day, QTime(12, 0), Qt::UTC));
+    }
+    const auto keepsTime = [&](const QString &id) {
+        const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(id);
+        return zone && std::all_of(instants.cbegin(), instants.cend(), [&](const QDateTime &at) {
+                   return zone->offsetFromUtc(at) == rule.offsetFromUtc(at);
+               });
+    };
+    const int offset = rule.offsetFromUtc(instants.constFirst());
+    if (offset % 3600 == 0) {
+        const int hours = -offset / 3600;
+        const QString fixed = hours == 0 ? QStringLiteral("Etc/UTC")
+                                         : QStringLiteral("Etc/GMT%1%2")
+                                               .arg(QChar(hours > 0 ? u'+' : u'-'))
+                                               .arg(std::abs(hours));
+        if (keepsTime(fixed))
+            return fixed;
+    }
+    const QStringList &known = TimeZoneDatabase::knownIdentifiers();
+    const auto found = std::find_if(known.cbegin(), known.cend(), keepsTime);
+    if (found == known.cend())
+        return std::nullopt;
+    return *found;
 }
 
 // The zone name a TZif path stands for when it lies in the database's tree.
@@ -39,13 +85,7 @@ QString nameForPath(const QString &path)
         if (realRoot.size() > 1 && realPath.startsWith(realRoot))
             name = realPath.mid(realRoot.size());
     }
-    // The same zones under other leap-second handling.
-    for (const QLatin1StringView prefix :
-         {QLatin1StringView("posix/"), QLatin1StringView("right/")}) {
-        if (name.startsWith(prefix))
-            name = name.mid(prefix.size());
-    }
-    return name;
+    return withoutLeapTree(name);
 }
 
 // TZ without the ':' that POSIX allows in front of an implementation's own form.
@@ -106,7 +146,7 @@ QTimeZone localZone()
                 return QTimeZone::utc();
             }
         } else {
-            if (const auto zone = resolve(*tz))
+            if (const auto zone = resolve(withoutLeapTree(*tz)))
                 return *zone;
             // A POSIX rule such as "JST-9" is what the C library runs on,
             // but Qt reads "UTC+05:00" as its own pseudo-zone with the
@@ -128,6 +168,14 @@ QTimeZone localZone()
 
 QString systemZoneId()
 {
+    // The zone the tray line counts as local, so that the first city agrees
+    // with it.
+    const QTimeZone local = localZone();
+    const QString id = QString::fromUtf8(local.id());
+    if (resolves(id))
+        return id;
+    if (local.isValid() && local != QTimeZone::utc())
+        return zoneKeepingTimeOf(local).value_or(QStringLiteral("UTC"));
     return namedSystemZone().value_or(QStringLiteral("UTC"));
 }
 

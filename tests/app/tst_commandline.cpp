@@ -3,6 +3,7 @@
 #include "ZoneListCodec.h"
 #include "ZoneStore.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -50,6 +51,8 @@ private Q_SLOTS:
     void searchJson();
     void format();
     void watchPrintsOnEveryTick();
+    void unsavedEditsFail();
+    void deepNestingLoadsEmpty();
 
 private:
     void saveZones(const QList<SavedZone> &zones, const QString &format = QString());
@@ -226,6 +229,10 @@ void TestCommandLine::errors_data()
     QTest::newRow("missing value") << QStringList{"line", "--at"} << "at";
     QTest::newRow("stray argument") << QStringList{"line", "now"} << "now";
     QTest::newRow("unknown command") << QStringList{"frobnicate"} << "frobnicate";
+    // Not taken for the tray program: that would need a display.
+    QTest::newRow("unknown option") << QStringList{"--jsn"} << "unknown option \"--jsn\"";
+    QTest::newRow("Qt option, then unknown")
+        << QStringList{"-platform", "offscreen", "--jsn"} << "--jsn";
 }
 
 void TestCommandLine::errors()
@@ -525,6 +532,55 @@ void TestCommandLine::watchPrintsOnEveryTick()
                  qPrintable(QStringLiteral("%1 printed, arrived in %2").arg(printed).arg(arrived)));
         QVERIFY(object["text"] != objects[i - 1]["text"]);
     }
+}
+
+void TestCommandLine::unsavedEditsFail()
+{
+    // A directory where the file should be: nothing can be saved there.
+    QVERIFY(QDir().mkpath(configFile()));
+    const Result result = run({"add", "Asia/Tokyo"});
+    QCOMPARE(result.exitCode, 2);
+    QVERIFY2(result.err.contains(QStringLiteral("could not be saved")), qPrintable(result.err));
+}
+
+void TestCommandLine::deepNestingLoadsEmpty()
+{
+    // Arrays nested 100,000 deep as the stored list: a crash at every start
+    // once, now an unreadable list kept aside at the next edit.
+    QByteArray deep("bplist00");
+    QByteArray table;
+    constexpr quint32 depth = 100000;
+    for (quint32 i = 0; i < depth; ++i) {
+        table += char(deep.size() >> 24) + QByteArray(1, char(deep.size() >> 16)) +
+                 char(deep.size() >> 8) + char(deep.size());
+        deep += i + 1 < depth ? QByteArray("\xA1") + char(0) + char((i + 1) >> 16) +
+                                    char((i + 1) >> 8) + char(i + 1)
+                              : QByteArray("\xA0");
+    }
+    const quint32 tableOffset = quint32(deep.size());
+    deep += table + QByteArray(6, '\0') + char(4) + char(4);
+    for (const quint64 value : {quint64(depth), quint64(0), quint64(tableOffset)})
+        for (int shift = 56; shift >= 0; shift -= 8)
+            deep += char(value >> shift);
+    {
+        SettingsPreferencesStore preferences(configFile());
+        preferences.writeBytes(ZoneStore::zonesKey, deep);
+        preferences.writeBool(ZoneStore::seededKey, true);
+    }
+    const Result list = run({"list", "--json"});
+    QCOMPARE(list.exitCode, 0);
+    QCOMPARE(list.out, QStringLiteral("[]\n"));
+    const Result added = run({"add", "Asia/Tokyo"});
+    QCOMPARE(added.exitCode, 0);
+    QVERIFY2(added.err.contains(QStringLiteral("could not be read")), qPrintable(added.err));
+    const QStringList copies = QDir(m_home->filePath(QStringLiteral("zonara")))
+                                   .entryList({QStringLiteral("zonara.conf.unreadable-*")});
+    QCOMPARE(copies.size(), 1);
+    const SettingsPreferencesStore copy(
+        m_home->filePath(QStringLiteral("zonara/") + copies.first()));
+    QCOMPARE(copy.readBytes(ZoneStore::zonesKey), std::optional(deep));
+    QCOMPARE(names(), QStringList{QStringLiteral("Tokyo")});
+    QVERIFY(run({"add", "UTC"}).err.isEmpty()); // said once
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

@@ -1,5 +1,6 @@
 #include "SettingsPreferencesStore.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,6 +15,8 @@ private Q_SLOTS:
     void valuesSurvive();
     void kindsDoNotMix();
     void seesOtherWriters();
+    void damagedFileIsKeptAside_data();
+    void damagedFileIsKeptAside();
 
 private:
     QTemporaryDir m_dir;
@@ -92,6 +95,44 @@ void TestSettingsPreferences::seesOtherWriters()
     second.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
     QCOMPARE(first.readText(QStringLiteral("zonara.format")),
              std::optional(QStringLiteral("timeOnly24")));
+}
+
+void TestSettingsPreferences::damagedFileIsKeptAside_data()
+{
+    QTest::addColumn<QByteArray>("damaged");
+    // QSettings would decode these through QDataStream, recursing once per
+    // level: 100,000 nested lists overflow the stack.
+    QByteArray nested;
+    for (int i = 0; i < 100000; ++i)
+        nested += QByteArray("\\0\\0\\0\\t\\0\\0\\0\\0\\x1"); // a list of one variant
+    QTest::newRow("deep variant") << "[General]\nzonara.format=@Variant(" + nested + ")\n";
+    QTest::newRow("deep variant, escaped @")
+        << "[General]\nzonara.format=\\x40Variant(" + nested + ")\n";
+    QTest::newRow("too large") << "[General]\nx=" +
+                                      QByteArray(SettingsPreferencesStore::maximumFileSize, 'a');
+}
+
+void TestSettingsPreferences::damagedFileIsKeptAside()
+{
+    QFETCH(QByteArray, damaged);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    for (int copy = 0; copy < 4; ++copy) {
+        QFile out(file);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(damaged);
+        out.close();
+        SettingsPreferencesStore preferences(file);
+        QCOMPARE(preferences.readText(QStringLiteral("zonara.format")), std::nullopt);
+        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+        QCOMPARE(preferences.readText(QStringLiteral("zonara.format")),
+                 std::optional(QStringLiteral("timeOnly24")));
+        QFile kept(preferences.keptCopy());
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), damaged);
+        QTest::qWait(20); // the oldest is told by its time
+    }
+    QCOMPARE(QDir(dir.path()).entryList({QStringLiteral("zonara.conf.unreadable-*")}).size(), 3);
 }
 
 QTEST_GUILESS_MAIN(TestSettingsPreferences)

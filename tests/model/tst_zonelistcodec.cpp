@@ -70,6 +70,69 @@ QByteArray listWithId(const char *id)
     return listWith([id](plist_t dict) { plist_dict_set_item(dict, "id", plist_new_string(id)); });
 }
 
+QByteArray bigEndian(quint64 value, int size)
+{
+    QByteArray bytes(size, '\0');
+    for (int i = size - 1; i >= 0; --i, value >>= 8)
+        bytes[i] = char(value & 0xFF);
+    return bytes;
+}
+
+// A binary property list put together by hand, object 0 the root, with
+// four-byte offsets and references: shapes libplist would never write.
+QByteArray handBuilt(const QList<QByteArray> &objects)
+{
+    QByteArray data("bplist00");
+    QByteArray table;
+    for (const QByteArray &object : objects) {
+        table += bigEndian(quint64(data.size()), 4);
+        data += object;
+    }
+    const qsizetype tableOffset = data.size();
+    return data + table + QByteArray(6, '\0') + char(4) + char(4) +
+           bigEndian(quint64(objects.size()), 8) + bigEndian(0, 8) +
+           bigEndian(quint64(tableOffset), 8);
+}
+
+// A container object: 0xA an array of references, 0xD a dictionary of its
+// keys' references followed by its values'. Fewer than 15 entries.
+QByteArray container(int kind, const QList<quint32> &references)
+{
+    const qsizetype count = kind == 0xD ? references.size() / 2 : references.size();
+    QByteArray object(1, char((kind << 4) | count));
+    for (quint32 reference : references)
+        object += bigEndian(reference, 4);
+    return object;
+}
+
+QByteArray ascii(const QByteArray &text)
+{
+    return (text.size() < 15 ? QByteArray(1, char(0x50 | text.size()))
+                             : QByteArray("\x5F\x10", 2) + char(text.size())) +
+           text;
+}
+
+// Root array (0) listing the zone dictionary (1) `times` times.
+QByteArray zoneListedTimes(int times)
+{
+    return handBuilt({container(0xA, QList<quint32>(times, 1)), container(0xD, {2, 3, 4, 5, 6, 7}),
+                      ascii("id"), ascii("identifier"), ascii("isPinned"),
+                      ascii(tokyoId.toLatin1()), ascii("UTC"), QByteArray(1, '\x09')});
+}
+
+// Arrays nested 100,000 deep inside the root array, or dictionaries nested
+// as deep under one key of a zone: what once overflowed the stack.
+QByteArray nestedDeep(int kind)
+{
+    constexpr int depth = 100000;
+    QList<QByteArray> objects{container(0xA, {2}), ascii("k")};
+    for (quint32 i = 2; i < depth + 2; ++i)
+        objects.append(i + 1 < depth + 2 ? container(kind, kind == 0xD ? QList<quint32>{1, i + 1}
+                                                                       : QList<quint32>{i + 1})
+                                         : container(kind, {}));
+    return handBuilt(objects);
+}
+
 } // namespace
 
 class TestZoneListCodec final : public QObject
@@ -86,6 +149,8 @@ private Q_SLOTS:
     void pythonReadsOurBytes();
     void readsPlistlibFixture();
     void survivesDamagedInput();
+    void handBuiltShapes_data();
+    void handBuiltShapes();
 };
 
 void TestZoneListCodec::roundTrip()
@@ -306,6 +371,35 @@ void TestZoneListCodec::survivesDamagedInput()
     // Flips inside the texts keep the list readable; flips in the structure don't.
     QVERIFY(accepted > 0);
     QVERIFY(accepted < variants.size());
+}
+
+void TestZoneListCodec::handBuiltShapes_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("count"); // -1: refused
+    QTest::newRow("zone listed once") << zoneListedTimes(1) << 1;
+    // libplist would copy it per listing: a few bytes could fill memory.
+    QTest::newRow("same dictionary twice") << zoneListedTimes(2) << -1;
+    QTest::newRow("arrays 100,000 deep") << nestedDeep(0xA) << -1;
+    QTest::newRow("dictionaries 100,000 deep") << nestedDeep(0xD) << -1;
+    QTest::newRow("nested value in a zone") << listWith([](plist_t dict) {
+        plist_t inner = plist_new_array();
+        plist_array_append_item(inner, plist_new_array());
+        plist_dict_set_item(dict, "population", inner);
+    }) << -1;
+    QList<SavedZone> many;
+    for (int i = 0; i < 140; ++i)
+        many.append({QUuid::createUuid(), QStringLiteral("UTC"),
+                     QString(8000, QChar(u'a' + i % 26)), false});
+    QTest::newRow("over a megabyte") << *ZoneListCodec::encode(many) << -1;
+}
+
+void TestZoneListCodec::handBuiltShapes()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, count);
+    const std::optional<QList<SavedZone>> zones = ZoneListCodec::decode(bytes);
+    QCOMPARE(zones ? int(zones->size()) : -1, count);
 }
 
 QTEST_GUILESS_MAIN(TestZoneListCodec)

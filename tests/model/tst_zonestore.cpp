@@ -108,6 +108,9 @@ private Q_SLOTS:
     void pinnedZonesKeepOrder();
     void writesNothingElse();
     void secondStoreSeesEveryChange();
+    void failedSaveKeepsEditsUntilSaved();
+    void takesInOutsideChanges();
+    void twoStoresNeverOverwriteEachOther();
 };
 
 void TestZoneStore::firstStartSeedsSystemZone_data()
@@ -171,6 +174,14 @@ void TestZoneStore::unreadableListStaysUntouched()
     ZoneStore store(preferences, testLookup());
     QVERIFY(store.zones().isEmpty());
     QCOMPARE(preferences.readBytes(ZoneStore::zonesKey), std::optional(garbage));
+    QVERIFY(preferences.copies().isEmpty());
+    // The first write over them keeps a copy of them first, and only that one.
+    store.add(QStringLiteral("Asia/Tokyo"));
+    store.add(QStringLiteral("UTC"));
+    QCOMPARE(preferences.copies().size(), 1);
+    QCOMPARE(preferences.copies().constFirst().value(ZoneStore::zonesKey), QVariant(garbage));
+    QCOMPARE(identifiersOf(*ZoneListCodec::decode(*preferences.readBytes(ZoneStore::zonesKey))),
+             (QStringList{"Asia/Tokyo", "UTC"}));
 
     // Not yet seeded: the seed replaces the bad bytes at once.
     MemoryPreferencesStore fresh;
@@ -490,6 +501,83 @@ void TestZoneStore::secondStoreSeesEveryChange()
     check("remove");
     store.setZones({});
     check("cleared");
+}
+
+void TestZoneStore::failedSaveKeepsEditsUntilSaved()
+{
+    Fixture f;
+    QSignalSpy failures(f.store.get(), &ZoneStore::saveFailedChanged);
+    QSignalSpy changes(f.store.get(), &ZoneStore::zonesChanged);
+    f.preferences.setSavesFail(true);
+    QVERIFY(f.store->add(QStringLiteral("UTC")));
+    QVERIFY(f.store->togglePin(f.id(0)));
+    f.store->setFormat(MenuBarFormat::timeOnly24);
+    QVERIFY(f.store->saveFailed());
+    QCOMPARE(failures.size(), 1);
+    QCOMPARE(changes.size(), 2);
+    QCOMPARE(f.store->zones().size(), 5);
+    QCOMPARE(f.stored(), std::optional(f.initial));
+    QVERIFY(!f.preferences.contains(ZoneStore::formatKey));
+
+    // Saved outside meanwhile: the held edits go on top of it, still unsaved.
+    QList<SavedZone> outside = f.initial;
+    outside.removeAt(1);
+    f.preferences.writeFromOutside(ZoneStore::zonesKey, encoded(outside));
+    QCOMPARE(identifiersOf(f.store->zones()),
+             (QStringList{"Europe/Stockholm", "America/New_York", "Europe/London", "UTC"}));
+
+    // The next edit saves them all.
+    f.preferences.setSavesFail(false);
+    QVERIFY(f.store->rename(f.id(2), QStringLiteral("Office")));
+    QVERIFY(!f.store->saveFailed());
+    QCOMPARE(failures.size(), 2);
+    QCOMPARE(f.stored(), std::optional(f.store->zones()));
+    QVERIFY(f.store->zones().at(0).isPinned);
+    QCOMPARE(f.preferences.readText(ZoneStore::formatKey),
+             std::optional(QStringLiteral("timeOnly24")));
+}
+
+void TestZoneStore::takesInOutsideChanges()
+{
+    Fixture f;
+    QSignalSpy zones(f.store.get(), &ZoneStore::zonesChanged);
+    QSignalSpy formats(f.store.get(), &ZoneStore::formatChanged);
+    const QList<SavedZone> outside = f.pick({3, 2});
+    f.preferences.writeFromOutside(ZoneStore::zonesKey, encoded(outside));
+    f.preferences.writeFromOutside(ZoneStore::formatKey, QStringLiteral("labelTime12"));
+    QCOMPARE(f.store->zones(), outside);
+    QCOMPARE(f.store->format(), MenuBarFormat::labelTime12);
+    QCOMPARE(zones.size(), 1);
+    QCOMPARE(formats.size(), 1);
+    // Damage from outside is not taken in: the list stays as it was.
+    f.preferences.writeFromOutside(ZoneStore::zonesKey, QByteArray("garbage"));
+    QCOMPARE(f.store->zones(), outside);
+    QCOMPARE(zones.size(), 1);
+}
+
+void TestZoneStore::twoStoresNeverOverwriteEachOther()
+{
+    // Each edit reads the file afresh under the lock, without waiting for
+    // the other store to notice the change.
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    SettingsPreferencesStore firstPreferences(file);
+    SettingsPreferencesStore secondPreferences(file);
+    ZoneStore first(firstPreferences, testLookup());
+    ZoneStore second(secondPreferences, testLookup());
+    QVERIFY(first.add(QStringLiteral("Asia/Tokyo")));
+    QVERIFY(second.add(QStringLiteral("UTC")));
+    QVERIFY(!second.add(QStringLiteral("Asia/Tokyo"))); // a duplicate of the other's
+    QVERIFY(first.togglePin(second.zones().at(2).id));
+    second.setFormat(MenuBarFormat::labelTime12);
+    QVERIFY(first.add(QStringLiteral("Asia/Kolkata")));
+    SettingsPreferencesStore reader(file);
+    const ZoneStore third(reader, testLookup());
+    QCOMPARE(identifiersOf(third.zones()),
+             (QStringList{"Europe/Stockholm", "Asia/Tokyo", "UTC", "Asia/Kolkata"}));
+    QVERIFY(third.zones().at(2).isPinned);
+    QCOMPARE(third.format(), MenuBarFormat::labelTime12);
+    QCOMPARE(first.zones(), third.zones());
 }
 
 QTEST_GUILESS_MAIN(TestZoneStore)

@@ -1,6 +1,7 @@
 #include "AddZoneView.h"
 #include "Eyebrow.h"
 #include "PanelTestSupport.h"
+#include "TextLine.h"
 #include "ZoneCard.h"
 #include "ZoneCollectionView.h"
 #include "ZoneListView.h"
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void countFollowsTheStore();
+    void saveErrorShowsWhileSavingFails();
     void addCitySwapsTheContent();
     void hidingReturnsToTheList();
     void addingSavesAnOpenRename();
@@ -63,6 +65,21 @@ void TestZoneListView::countFollowsTheStore()
     QCOMPARE(count->text(), QStringLiteral("YOUR CITIES \u00b7 2"));
     m_fixture->store->setZones({});
     QCOMPARE(count->text(), QStringLiteral("YOUR CITIES \u00b7 0"));
+}
+
+void TestZoneListView::saveErrorShowsWhileSavingFails()
+{
+    auto *line = m_view->findChild<TextLine *>("save-error");
+    QVERIFY(line);
+    QVERIFY(!line->isVisible());
+    m_fixture->preferences.setSavesFail(true);
+    m_fixture->store->togglePin(m_fixture->id(0));
+    QVERIFY(line->isVisible());
+    QVERIFY(line->text().contains(QStringLiteral("could not be saved")));
+    QCOMPARE(line->tone(), TextLine::Tone::secondary);
+    m_fixture->preferences.setSavesFail(false);
+    m_fixture->store->togglePin(m_fixture->id(1));
+    QVERIFY(!line->isVisible());
 }
 
 void TestZoneListView::addCitySwapsTheContent()

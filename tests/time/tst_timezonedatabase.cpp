@@ -167,9 +167,12 @@ void TestTimeZoneDatabase::systemZoneIdFollowsTz_data()
     QTest::newRow("name after colon") << QByteArray(":Asia/Tokyo") << "Asia/Tokyo";
     QTest::newRow("path into posix tree")
         << QByteArray("/usr/share/zoneinfo/posix/Europe/Paris") << "Europe/Paris";
-    // A rule or a pseudo-id names no zone; the answer then comes from
-    // /etc/localtime or is "UTC", but is never the TZ text itself.
-    QTest::newRow("POSIX rule") << QByteArray("JST-9") << QString();
+    QTest::newRow("name in the right tree") << QByteArray("right/Asia/Tokyo") << "Asia/Tokyo";
+    // A rule names no zone: the zone that keeps its time stands for it, so
+    // that the first city agrees with the local zone of the line.
+    QTest::newRow("POSIX rule") << QByteArray("JST-9") << "Etc/GMT-9";
+    // A pseudo-id is not taken as the local zone; the answer is never the
+    // TZ text itself.
     QTest::newRow("Qt offset pseudo-id") << QByteArray("UTC+05:00") << QString();
     QTest::newRow("empty") << QByteArray("") << QString();
 }

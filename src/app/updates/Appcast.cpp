@@ -77,6 +77,21 @@ AppcastItem readItem(QXmlStreamReader &xml)
     return item;
 }
 
+// One pass over the whole document before it is read for items.
+bool isShallow(const QByteArray &document)
+{
+    QXmlStreamReader xml(document);
+    int depth = 0;
+    while (!xml.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml.readNext();
+        if (token == QXmlStreamReader::StartElement && ++depth > Appcast::maximumDepth)
+            return false;
+        if (token == QXmlStreamReader::EndElement)
+            --depth;
+    }
+    return !xml.hasError();
+}
+
 bool isUsable(const AppcastItem &item)
 {
     return UpdateVersion::isValid(item.version) && item.downloadUrl.isValid() &&
@@ -87,6 +102,8 @@ bool isUsable(const AppcastItem &item)
 
 std::optional<QList<AppcastItem>> Appcast::parse(const QByteArray &document)
 {
+    if (document.size() > maximumSize || !isShallow(document))
+        return std::nullopt;
     QXmlStreamReader xml(document);
     QList<AppcastItem> items;
     if (!xml.readNextStartElement() || !isPlain(xml, QLatin1StringView("rss")))

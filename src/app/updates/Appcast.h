@@ -11,9 +11,13 @@ namespace Appcast {
 
 inline constexpr auto sparkleNamespace = "http://www.andymatuschak.org/xml-namespaces/sparkle";
 
+// Larger feeds, and elements nested deeper, are refused.
+inline constexpr qsizetype maximumSize = 4 * 1024 * 1024;
+inline constexpr int maximumDepth = 32;
+
 // The feed's usable releases, in feed order, or nothing when the document is
-// not well-formed RSS. Items without a valid version, download address, length
-// or signature are left out; unknown elements are ignored.
+// not well-formed RSS, too large or too deep. Items without a valid version, download address,
+// length or signature are left out; unknown elements are ignored.
 std::optional<QList<AppcastItem>> parse(const QByteArray &document);
 
 // The newest of items, or nothing when there is none.
