@@ -9,7 +9,8 @@ packages=(
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then
-    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils)
+    packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils
+        appstream man-db libglib2.0-bin bash-completion zsh fish)
 fi
 
 missing=()
