@@ -16,6 +16,10 @@ for package in "${packages[@]}"; do
 done
 
 build=build/deb
+# Debian's hardening and optimisation flags; CMake reads no CPPFLAGS.
+eval "$(dpkg-buildflags --export=sh)"
+# No -g: the package is stripped anyway.
+export CXXFLAGS="$CPPFLAGS ${CXXFLAGS//-g /}"
 cmake -S . -B "$build" -G Ninja \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
     -DZONARA_BUILD_TESTS=OFF -DZONARA_BUILD_BENCHMARKS=OFF -DZONARA_BUILD_SIGN_RELEASE=OFF \
