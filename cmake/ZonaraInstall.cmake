@@ -9,7 +9,7 @@ set(ZONARA_ZSH_COMPLETION_DIR "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions" 
 # SOURCE_DATE_EPOCH, when set, makes the date reproducible.
 string(TIMESTAMP today "%Y-%m-%d" UTC)
 set(ZONARA_RELEASE_DATE "${today}" CACHE STRING "Date of this release in the metainfo (YYYY-MM-DD)")
-option(ZONARA_DEBIAN_CHANGELOG "Install the Debian changelog (for the .deb)" OFF)
+option(ZONARA_DEBIAN_FILES "Install the Debian changelog and lintian overrides (for the .deb)" OFF)
 
 configure_file(${ZONARA_LINUX_DIR}/${ZONARA_APP_ID}.metainfo.xml.in
                ${ZONARA_LINUX_BUILD_DIR}/${ZONARA_APP_ID}.metainfo.xml @ONLY)
@@ -25,7 +25,7 @@ add_custom_command(
     COMMENT "Compressing the man page"
     VERBATIM)
 set(linux_generated ${ZONARA_LINUX_BUILD_DIR}/zonara.1.gz)
-if(ZONARA_DEBIAN_CHANGELOG)
+if(ZONARA_DEBIAN_FILES)
     add_custom_command(
         OUTPUT ${ZONARA_LINUX_BUILD_DIR}/changelog.Debian.gz
         COMMAND ${GZIP_PROGRAM} -9 -n -c ${PROJECT_SOURCE_DIR}/cmake/debian/changelog
@@ -51,9 +51,11 @@ install(FILES ${ZONARA_LINUX_DIR}/completions/_zonara DESTINATION ${ZONARA_ZSH_C
 install(FILES ${ZONARA_LINUX_DIR}/completions/zonara.fish
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES ${ZONARA_LINUX_DIR}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zonara)
-if(ZONARA_DEBIAN_CHANGELOG)
+if(ZONARA_DEBIAN_FILES)
     install(FILES ${ZONARA_LINUX_BUILD_DIR}/changelog.Debian.gz
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zonara)
+    install(FILES ${ZONARA_LINUX_DIR}/zonara.lintian-overrides
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME zonara)
 endif()
 
 # The bus starts the binary of the prefix it is installed to, which

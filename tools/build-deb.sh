@@ -17,14 +17,14 @@ done
 
 build=build/deb
 # Debian's hardening and optimisation flags; CMake reads no CPPFLAGS.
-eval "$(dpkg-buildflags --export=sh)"
+eval "$(DEB_BUILD_MAINT_OPTIONS=hardening=+bindnow dpkg-buildflags --export=sh)"
 # No -g: the package is stripped anyway.
 export CXXFLAGS="$CPPFLAGS ${CXXFLAGS//-g /}"
 cmake -S . -B "$build" -G Ninja \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
     -DZONARA_BUILD_TESTS=OFF -DZONARA_BUILD_BENCHMARKS=OFF -DZONARA_BUILD_SIGN_RELEASE=OFF \
     -DZONARA_UPDATE_FEED_URL= -DZONARA_UPDATE_PUBLIC_KEY= \
-    -DZONARA_DEBIAN_CHANGELOG=ON >/dev/null
+    -DZONARA_DEBIAN_FILES=ON -DCMAKE_EXE_LINKER_FLAGS="$LDFLAGS" >/dev/null
 cmake --build "$build" -j 2
 (cd "$build" && cpack -G DEB)
 deb=$(ls "$build"/zonara_*.deb)
