@@ -10,9 +10,11 @@ packages=(
 )
 if [ "${1:-}" = "--test" ]; then
     # clang and its libFuzzer runtime build the fuzz targets; at-spi2-core and
-    # python3-pyatspi let a test read the program as a screen reader does.
+    # python3-pyatspi let a test read the program as a screen reader does; the
+    # rest validate and exercise a staged install.
     packages+=(xvfb xauth dbus dbus-x11 xdotool imagemagick desktop-file-utils
-               at-spi2-core python3-pyatspi clang libclang-rt-14-dev)
+               at-spi2-core python3-pyatspi clang libclang-rt-14-dev
+               appstream man-db libglib2.0-bin bash-completion zsh fish)
 fi
 
 missing=()

@@ -14,6 +14,7 @@
 const QString StatusNotifierItem::watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString StatusNotifierItem::objectPath = QStringLiteral("/StatusNotifierItem");
 const QString StatusNotifierItem::appId = QStringLiteral("io.github.zonara.Zonara");
+const QString StatusNotifierItem::iconName = appId + QStringLiteral("-symbolic");
 
 namespace {
 

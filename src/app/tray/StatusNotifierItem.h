@@ -23,6 +23,9 @@ public:
     static const QString watcherService;
     static const QString objectPath;
     static const QString appId;
+    // The installed globe, which hosts recolour to their panel; where the
+    // theme has no such icon, they draw IconPixmap.
+    static const QString iconName;
 
     StatusNotifierItem(const QDBusConnection &bus, const QDBusObjectPath &menuPath,
                        QObject *parent = nullptr);

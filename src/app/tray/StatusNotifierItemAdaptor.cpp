@@ -12,6 +12,11 @@ QString StatusNotifierItemAdaptor::id() const
     return StatusNotifierItem::appId;
 }
 
+QString StatusNotifierItemAdaptor::iconName() const
+{
+    return StatusNotifierItem::iconName;
+}
+
 QString StatusNotifierItemAdaptor::title() const
 {
     return m_item->title();

@@ -90,8 +90,7 @@ public:
     QString title() const;
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }
-    // Empty, so hosts draw our own globe from IconPixmap.
-    QString iconName() const { return QString(); }
+    QString iconName() const;
     SniIconPixmapList iconPixmap() const;
     QString noIconName() const { return QString(); }
     SniIconPixmapList noIconPixmap() const { return {}; }

@@ -106,6 +106,8 @@ void TrayIcon::updateKind()
 void TrayIcon::showFallback()
 {
     if (!m_fallback) {
+        // Not the themed icon of IconName: XEmbed trays never recolour one,
+        // and the outlined globe reads on light and dark panels alike.
         m_fallback = new QSystemTrayIcon(GlobeIcon::icon(), this);
         m_fallback->setContextMenu(m_menu.get());
         connect(m_fallback, &QSystemTrayIcon::activated, this,

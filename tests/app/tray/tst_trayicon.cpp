@@ -179,7 +179,10 @@ void TestTrayIcon::lineReachesTheBus()
     const QString guide = itemProperty(QStringLiteral("XAyatanaLabelGuide")).toString();
     QVERIFY(guide.size() >= text.size());
     QCOMPARE(guide.isEmpty(), text.isEmpty());
-    // The globe stays the icon, beside a label or alone.
+    // The globe stays the icon, beside a label or alone: the installed
+    // symbolic one by name, else the pixmaps.
+    QCOMPARE(itemProperty(QStringLiteral("IconName")).toString(),
+             QStringLiteral("io.github.zonara.Zonara-symbolic"));
     const QList<QImage> icon = iconImages(itemProperty(QStringLiteral("IconPixmap")));
     QVERIFY(!icon.isEmpty() && !icon.contains(QImage()));
 
