@@ -179,7 +179,8 @@ std::optional<QString> CommandLine::unknownTrayOption(const QStringList &argumen
                                           QStringLiteral("sync")};
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (argument == u"--settings")
+        // --gapplication-service: started by the bus for the desktop entry's activation.
+        if (argument == u"--settings" || argument == u"--gapplication-service")
             continue;
         // Qt takes its options after one dash or two, the value after '=' or
         // as the next argument.

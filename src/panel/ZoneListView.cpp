@@ -7,6 +7,7 @@
 #include "Divider.h"
 #include "Eyebrow.h"
 #include "ReturnPressesButtons.h"
+#include "SaveErrorLine.h"
 #include "TextLine.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
@@ -42,7 +43,7 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     , m_pages(new QStackedLayout(this))
     , m_list(new QWidget)
     , m_count(new Eyebrow)
-    , m_saveError(new TextLine(AppStyle::uiFont(11), TextLine::Tone::secondary))
+    , m_saveError(new SaveErrorLine(store))
     , m_collection(new ZoneCollectionView(store, clock, false))
     , m_updateButton(footerButton(QString(), QStringLiteral("tray-check-updates")))
     , m_settingsButton(
@@ -91,13 +92,6 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     auto *quit = footerButton(QStringLiteral("Quit"), QStringLiteral("quit"));
     quit->setToolTip(QStringLiteral("Quit Zonara (Ctrl+Q)"));
     connect(quit, &QPushButton::clicked, this, &ZoneListView::quitRequested);
-    // Shown only while the preferences cannot be saved.
-    const QString unsaved =
-        QStringLiteral("Your changes could not be saved. Zonara keeps them until it can.");
-    m_saveError->setObjectName(QStringLiteral("save-error"));
-    m_saveError->setText(unsaved);
-    m_saveError->setToolTip(unsaved);
-    m_saveError->setElides(true);
     m_saveError->setContentsMargins(20, 10, 20, 0);
     auto *footer = new QHBoxLayout;
     footer->setContentsMargins(20, 14, 20, 14);
@@ -127,9 +121,6 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     QWidget::setTabOrder(add, m_collection->focusTarget());
 
     connect(&m_store, &ZoneStore::zonesChanged, this, &ZoneListView::updateCount);
-    connect(&m_store, &ZoneStore::saveFailedChanged, this,
-            [this] { m_saveError->setVisible(m_store.saveFailed()); });
-    m_saveError->setVisible(m_store.saveFailed());
     updateCount();
     updateTint();
 }

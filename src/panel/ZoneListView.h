@@ -7,6 +7,7 @@ class Clock;
 class Eyebrow;
 class QPushButton;
 class QStackedLayout;
+class SaveErrorLine;
 class TextLine;
 class ZoneCollectionView;
 class ZoneStore;
@@ -55,7 +56,7 @@ private:
     QStackedLayout *m_pages;
     QWidget *m_list;
     Eyebrow *m_count;
-    TextLine *m_saveError;
+    SaveErrorLine *m_saveError;
     ZoneCollectionView *m_collection;
     QPushButton *m_updateButton;
     QPushButton *m_settingsButton;

@@ -9,6 +9,7 @@
 #include "GeneralTab.h"
 #include "MenuBarTab.h"
 #include "ReturnPressesButtons.h"
+#include "SaveErrorLine.h"
 #include "TextLine.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
@@ -84,6 +85,10 @@ SettingsView::SettingsView(ZoneStore &store, Clock &clock, AppUpdater &updates, 
     layout->addLayout(header);
     layout->addWidget(new Divider);
     layout->addLayout(tabArea, 1);
+    // The footer: shown only while the preferences cannot be saved.
+    auto *saveError = new SaveErrorLine(store);
+    saveError->setContentsMargins(24, 0, 24, 12);
+    layout->addWidget(saveError);
 
     updateLook();
 }

@@ -134,6 +134,16 @@ void TestSettingsView::previewFollowsPinsAndFormat()
     m_fixture->clock->setNow(m_fixture->clock->now().addSecs(1));
     QCOMPARE(preview->text(), QStringLiteral("STO 01:30:01  Tokyo office 09:30:01"));
     QVERIFY(preview->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+
+    // The footer says so while edits cannot be saved.
+    auto *unsaved = find<TextLine>("save-error");
+    QVERIFY(!unsaved->isVisible());
+    m_fixture->preferences.setSavesFail(true);
+    m_fixture->store->togglePin(m_fixture->id(0));
+    QVERIFY(unsaved->isVisible());
+    m_fixture->preferences.setSavesFail(false);
+    m_fixture->store->togglePin(m_fixture->id(0));
+    QVERIFY(!unsaved->isVisible());
 }
 
 void TestSettingsView::pickerFollowsTheStore()
