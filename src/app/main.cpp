@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "FocusRingStyle.h"
 #include "SettingsPreferencesStore.h"
 #include "SingleInstance.h"
 #include "ZonaraApp.h"
@@ -47,6 +48,7 @@ int main(int argc, char *argv[])
     }
 
     QApplication app(argc, argv);
+    QApplication::setStyle(new FocusRingStyle);
     nameApplication();
     const QString appId = QStringLiteral("io.github.zonara.Zonara");
     QApplication::setDesktopFileName(appId);
