@@ -1,21 +1,8 @@
 #include "ZoneCardAccessible.h"
 
-#include "AccessibleRetirement.h"
+#include "AccessibleFactory.h"
 #include "ZoneCard.h"
 #include "ZoneRowTexts.h"
-
-namespace {
-
-QAccessibleInterface *zoneCardFactory(const QString &className, QObject *object)
-{
-    if (AccessibleRetirement::isRetired(object))
-        return nullptr;
-    if (className == QLatin1String("ZoneCard"))
-        return new ZoneCardAccessible(static_cast<ZoneCard *>(object));
-    return nullptr;
-}
-
-} // namespace
 
 ZoneCardAccessible::ZoneCardAccessible(ZoneCard *card)
     : QAccessibleWidget(card, QAccessible::ListItem)
@@ -23,11 +10,7 @@ ZoneCardAccessible::ZoneCardAccessible(ZoneCard *card)
 
 void ZoneCardAccessible::install()
 {
-    static const bool installed = [] {
-        QAccessible::installFactory(zoneCardFactory);
-        return true;
-    }();
-    Q_UNUSED(installed)
+    AccessibleFactory::install<ZoneCardAccessible, ZoneCard>();
 }
 
 QAccessible::State ZoneCardAccessible::state() const

@@ -1,21 +1,8 @@
 #include "ZoneCardStackAccessible.h"
 
-#include "AccessibleRetirement.h"
+#include "AccessibleFactory.h"
 #include "ZoneCard.h"
 #include "ZoneCardStack.h"
-
-namespace {
-
-QAccessibleInterface *stackFactory(const QString &className, QObject *object)
-{
-    if (AccessibleRetirement::isRetired(object))
-        return nullptr;
-    if (className == QLatin1String("ZoneCardStack"))
-        return new ZoneCardStackAccessible(static_cast<ZoneCardStack *>(object));
-    return nullptr;
-}
-
-} // namespace
 
 ZoneCardStackAccessible::ZoneCardStackAccessible(ZoneCardStack *stack)
     : QAccessibleWidget(stack, QAccessible::List)
@@ -23,11 +10,7 @@ ZoneCardStackAccessible::ZoneCardStackAccessible(ZoneCardStack *stack)
 
 void ZoneCardStackAccessible::install()
 {
-    static const bool installed = [] {
-        QAccessible::installFactory(stackFactory);
-        return true;
-    }();
-    Q_UNUSED(installed)
+    AccessibleFactory::install<ZoneCardStackAccessible, ZoneCardStack>();
 }
 
 QString ZoneCardStackAccessible::text(QAccessible::Text t) const
