@@ -6,6 +6,7 @@
 // buttons and borderless tool buttons that have the keyboard. Styles draw
 // focus on bordered buttons, but Fusion and GTK leave flat ones unmarked, so
 // a keyboard user could not see where the footer's or a card's focus is.
+// Borderless tool buttons also hover in a rounded shape.
 class FocusRingStyle final : public QProxyStyle
 {
     Q_OBJECT
