@@ -9,9 +9,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <unistd.h>
 
 namespace {
 
@@ -51,13 +53,15 @@ private Q_SLOTS:
     void searchJson();
     void format();
     void watchPrintsOnEveryTick();
+    void unsavedEditsFail_data();
     void unsavedEditsFail();
     void deepNestingLoadsEmpty();
 
 private:
     void saveZones(const QList<SavedZone> &zones, const QString &format = QString());
-    Result run(const QStringList &arguments,
-               const QString &tz = QStringLiteral("America/New_York"));
+    // As another user when the tests run as root, whom permissions do not stop.
+    Result run(const QStringList &arguments, const QString &tz = QStringLiteral("America/New_York"),
+               bool asOtherUser = false);
     QJsonArray listJson();
     QStringList names();
     QString configFile() const { return m_home->filePath(QStringLiteral("zonara/zonara.conf")); }
@@ -80,7 +84,7 @@ void TestCommandLine::saveZones(const QList<SavedZone> &zones, const QString &fo
         preferences.writeText(ZoneStore::formatKey, format);
 }
 
-Result TestCommandLine::run(const QStringList &arguments, const QString &tz)
+Result TestCommandLine::run(const QStringList &arguments, const QString &tz, bool asOtherUser)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -89,7 +93,13 @@ Result TestCommandLine::run(const QStringList &arguments, const QString &tz)
     // The user's locale must not change any text.
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(ZONARA_BINARY), arguments);
+    if (asOtherUser && ::geteuid() == 0)
+        process.start(QStringLiteral("setpriv"),
+                      QStringList{"--reuid=65534", "--regid=65534", "--clear-groups",
+                                  QStringLiteral(ZONARA_BINARY)} +
+                          arguments);
+    else
+        process.start(QStringLiteral(ZONARA_BINARY), arguments);
     if (!process.waitForFinished(30000))
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
@@ -534,13 +544,54 @@ void TestCommandLine::watchPrintsOnEveryTick()
     }
 }
 
+void TestCommandLine::unsavedEditsFail_data()
+{
+    QTest::addColumn<QString>("damage");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("a directory in place of the file") << "directory"
+                                                      << "could not be saved";
+    QTest::newRow("a read-only folder") << "read-only folder"
+                                        << "could not be saved";
+    QTest::newRow("an unreadable file") << "unreadable file"
+                                        << "could not be";
+}
+
 void TestCommandLine::unsavedEditsFail()
 {
-    // A directory where the file should be: nothing can be saved there.
-    QVERIFY(QDir().mkpath(configFile()));
-    const Result result = run({"add", "Asia/Tokyo"});
+    QFETCH(QString, damage);
+    QFETCH(QString, message);
+    QByteArray before;
+    const QString folder = QFileInfo(configFile()).absolutePath();
+    if (damage == u"directory") {
+        QVERIFY(QDir().mkpath(configFile()));
+    } else {
+        saveZones({{QUuid::createUuid(), QStringLiteral("Europe/Paris"), std::nullopt, true}});
+        QFile file(configFile());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        before = file.readAll();
+        file.close();
+        const auto everyone = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup |
+                              QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+        QVERIFY(QFile::setPermissions(m_home->path(), everyone));
+        if (damage == u"read-only folder") {
+            QVERIFY(QFile::setPermissions(folder, everyone));
+        } else {
+            QVERIFY(QFile::setPermissions(folder, everyone | QFile::WriteOwner | QFile::WriteGroup |
+                                                      QFile::WriteOther));
+            QVERIFY(file.setPermissions({}));
+        }
+    }
+    const Result result = run({"add", "Asia/Tokyo"}, QStringLiteral("America/New_York"), true);
     QCOMPARE(result.exitCode, 2);
-    QVERIFY2(result.err.contains(QStringLiteral("could not be saved")), qPrintable(result.err));
+    QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    if (!before.isEmpty()) {
+        // Nothing that was saved is lost.
+        QFile file(configFile());
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), before);
+    }
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 void TestCommandLine::deepNestingLoadsEmpty()
