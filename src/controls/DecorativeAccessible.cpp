@@ -1,25 +1,6 @@
 #include "DecorativeAccessible.h"
 
-#include "AccessibleRetirement.h"
-
-#include <QVariant>
-#include <QWidget>
-
-namespace {
-
-constexpr char decorativeProperty[] = "zonaraDecorative";
-
-QAccessibleInterface *decorativeFactory(const QString &, QObject *object)
-{
-    if (AccessibleRetirement::isRetired(object))
-        return nullptr;
-    auto *widget = qobject_cast<QWidget *>(object);
-    if (widget && DecorativeAccessible::isHidden(widget))
-        return new DecorativeAccessible(widget);
-    return nullptr;
-}
-
-} // namespace
+#include "AccessibleFactory.h"
 
 DecorativeAccessible::DecorativeAccessible(QWidget *widget)
     : QAccessibleWidget(widget, QAccessible::Graphic)
@@ -27,17 +8,12 @@ DecorativeAccessible::DecorativeAccessible(QWidget *widget)
 
 void DecorativeAccessible::hide(QWidget *widget)
 {
-    static const bool installed = [] {
-        QAccessible::installFactory(decorativeFactory);
-        return true;
-    }();
-    Q_UNUSED(installed)
-    widget->setProperty(decorativeProperty, true);
+    AccessibleFactory::mark<DecorativeAccessible>(widget);
 }
 
 bool DecorativeAccessible::isHidden(const QWidget *widget)
 {
-    return widget->property(decorativeProperty).toBool();
+    return widget->property(markProperty).toBool();
 }
 
 QAccessible::State DecorativeAccessible::state() const

@@ -8,6 +8,8 @@
 class DecorativeAccessible final : public QAccessibleWidget
 {
 public:
+    static constexpr char markProperty[] = "zonaraDecorative";
+
     explicit DecorativeAccessible(QWidget *widget);
 
     // Marks a widget as decoration. Call before anything asks for its

@@ -1,25 +1,6 @@
 #include "WindowAccessible.h"
 
-#include "AccessibleRetirement.h"
-
-#include <QVariant>
-#include <QWidget>
-
-namespace {
-
-constexpr char windowProperty[] = "zonaraWindow";
-
-QAccessibleInterface *windowFactory(const QString &, QObject *object)
-{
-    if (AccessibleRetirement::isRetired(object))
-        return nullptr;
-    auto *widget = qobject_cast<QWidget *>(object);
-    if (widget && widget->property(windowProperty).toBool())
-        return new WindowAccessible(widget);
-    return nullptr;
-}
-
-} // namespace
+#include "AccessibleFactory.h"
 
 WindowAccessible::WindowAccessible(QWidget *widget)
     : QAccessibleWidget(widget, QAccessible::Window)
@@ -27,12 +8,7 @@ WindowAccessible::WindowAccessible(QWidget *widget)
 
 void WindowAccessible::mark(QWidget *widget)
 {
-    static const bool installed = [] {
-        QAccessible::installFactory(windowFactory);
-        return true;
-    }();
-    Q_UNUSED(installed)
-    widget->setProperty(windowProperty, true);
+    AccessibleFactory::mark<WindowAccessible>(widget);
 }
 
 QString WindowAccessible::text(QAccessible::Text t) const

@@ -7,6 +7,8 @@
 class WindowAccessible final : public QAccessibleWidget
 {
 public:
+    static constexpr char markProperty[] = "zonaraWindow";
+
     explicit WindowAccessible(QWidget *widget);
 
     // Marks a top-level widget as a window. Call before anything asks for its
