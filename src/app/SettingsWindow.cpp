@@ -6,7 +6,6 @@
 
 SettingsWindow::SettingsWindow(QWidget *content, QWidget *parent)
     : QWidget(parent, Qt::Window)
-    , m_content(content)
 {
     setObjectName(QStringLiteral("zonara-settings"));
     setWindowTitle(QStringLiteral("Zonara Settings"));

@@ -11,9 +11,5 @@ class SettingsWindow final : public QWidget
 public:
     explicit SettingsWindow(QWidget *content, QWidget *parent = nullptr);
 
-    QWidget *content() const { return m_content; }
     void present();
-
-private:
-    QWidget *m_content;
 };

@@ -84,11 +84,6 @@ MenuBarTab::MenuBarTab(ZoneStore &store, Clock &clock, QWidget *parent)
     updatePinned();
 }
 
-QString MenuBarTab::previewText() const
-{
-    return m_preview->text();
-}
-
 void MenuBarTab::updateFormat()
 {
     m_picker->setCurrentIndex(m_picker->findData(int(m_store.format())));

@@ -17,8 +17,6 @@ class MenuBarTab final : public QWidget
 public:
     MenuBarTab(ZoneStore &store, Clock &clock, QWidget *parent = nullptr);
 
-    QString previewText() const;
-
 private:
     void updateFormat();
     void updatePreview();

@@ -47,7 +47,6 @@ SettingsView::SettingsView(ZoneStore &store, Clock &clock, AppUpdater &updates, 
     , m_store(store)
     , m_clock(clock)
     , m_tabs(new QTabWidget)
-    , m_menuBarTab(new MenuBarTab(store, clock))
     , m_generalTab(new GeneralTab(updates))
 {
     setObjectName(QStringLiteral("settings"));
@@ -72,7 +71,7 @@ SettingsView::SettingsView(ZoneStore &store, Clock &clock, AppUpdater &updates, 
     m_tabs->setObjectName(QStringLiteral("settings-tabs"));
     m_tabs->setDocumentMode(true);
     m_tabs->addTab(makeCitiesTab(), QStringLiteral("Cities"));
-    m_tabs->addTab(scrolling(m_menuBarTab), QStringLiteral("Menu bar"));
+    m_tabs->addTab(scrolling(new MenuBarTab(store, clock)), QStringLiteral("Menu bar"));
     m_tabs->addTab(scrolling(m_generalTab), QStringLiteral("General"));
     connect(m_generalTab, &GeneralTab::quitRequested, this, &SettingsView::quitRequested);
     auto *tabArea = new QVBoxLayout;
@@ -110,13 +109,13 @@ QWidget *SettingsView::makeCitiesTab()
     top->addStretch();
     top->addWidget(add, 0, Qt::AlignVCenter);
 
-    m_collection = new ZoneCollectionView(m_store, m_clock, true);
+    auto *collection = new ZoneCollectionView(m_store, m_clock, true);
     auto *tab = new QWidget;
     auto *layout = new QVBoxLayout(tab);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(14);
     layout->addLayout(top);
-    layout->addWidget(m_collection, 1);
+    layout->addWidget(collection, 1);
     return tab;
 }
 

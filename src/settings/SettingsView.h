@@ -9,9 +9,7 @@
 class AppUpdater;
 class Clock;
 class GeneralTab;
-class MenuBarTab;
 class QTabWidget;
-class ZoneCollectionView;
 class ZoneStore;
 
 // The settings window's content: a header, then the Cities, Menu bar and
@@ -29,8 +27,6 @@ public:
     SettingsView(ZoneStore &store, Clock &clock, AppUpdater &updates, QWidget *parent = nullptr);
 
     QTabWidget &tabs() const { return *m_tabs; }
-    ZoneCollectionView &collection() const { return *m_collection; }
-    MenuBarTab &menuBarTab() const { return *m_menuBarTab; }
     GeneralTab &generalTab() const { return *m_generalTab; }
 
     bool isShowingAdd() const { return m_addSheet != nullptr; }
@@ -52,8 +48,6 @@ private:
     ZoneStore &m_store;
     Clock &m_clock;
     QTabWidget *m_tabs;
-    ZoneCollectionView *m_collection = nullptr;
-    MenuBarTab *m_menuBarTab;
     GeneralTab *m_generalTab;
     QPointer<QDialog> m_addSheet;
     bool m_updatingLook = false;
