@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "BusZoneEditor.h"
+#include "CityTimes.h"
 #include "Clock.h"
 #include "IsoInstant.h"
 #include "MemoryPreferencesStore.h"
@@ -9,7 +10,6 @@
 #include "SystemTimeWatcher.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneChoices.h"
-#include "ZoneOffset.h"
 #include "ZoneReference.h"
 #include "ZoneStore.h"
 
@@ -68,34 +68,6 @@ std::unique_ptr<MemoryPreferencesStore> snapshotOf(const PreferencesStore &prefe
         snapshot->writeText(ZoneStore::formatKey, *text);
     snapshot->writeBool(ZoneStore::seededKey, preferences.readBool(ZoneStore::seededKey));
     return snapshot;
-}
-
-struct ZoneTime
-{
-    QString time;
-    QString subtitle;
-};
-
-// The time and the offset line of a saved city, as its card shows them.
-ZoneTime timeOf(const QString &identifier, MenuBarFormat format, const QDateTime &now,
-                const QTimeZone &local)
-{
-    const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(identifier);
-    if (!zone)
-        return {QStringLiteral("--:--"), identifier};
-    return {MenuBarFormatter::timeString(format, now, *zone),
-            ZoneOffset::info(*zone, now, local).subtitle()};
-}
-
-QString tooltipOf(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &now)
-{
-    const QTimeZone local = TimeZoneDatabase::localZone();
-    QStringList lines;
-    for (const SavedZone &zone : zones) {
-        const ZoneTime time = timeOf(zone.identifier, format, now, local);
-        lines.append(zone.displayName() + u' ' + time.time + QStringLiteral(" · ") + time.subtitle);
-    }
-    return lines.join(u'\n');
 }
 
 // Columns padded to their widest cell, two spaces apart.
@@ -426,7 +398,8 @@ int CommandLine::watch(QCommandLineParser &parser)
         if (json) {
             output = compactJson(QJsonObject{
                 {QStringLiteral("text"), text},
-                {QStringLiteral("tooltip"), tooltipOf(list, format, clock.now())},
+                {QStringLiteral("tooltip"),
+                 CityTimes::summary(list, format, clock.now(), TimeZoneDatabase::localZone())},
                 {QStringLiteral("class"),
                  text.isEmpty() ? QStringLiteral("empty") : QStringLiteral("pinned")},
             });
@@ -469,7 +442,7 @@ int CommandLine::list(QCommandLineParser &parser)
         QJsonArray array;
         for (qsizetype i = 0; i < zones->size(); ++i) {
             const SavedZone &zone = zones->at(i);
-            const ZoneTime time = timeOf(zone.identifier, *format, now, local);
+            const CityTimes::Entry time = CityTimes::entryFor(zone, *format, now, local);
             array.append(QJsonObject{
                 {QStringLiteral("position"), int(i + 1)},
                 {QStringLiteral("id"), zone.id.toString(QUuid::WithoutBraces)},
@@ -493,7 +466,7 @@ int CommandLine::list(QCommandLineParser &parser)
                              QStringLiteral("Offset")}};
     for (qsizetype i = 0; i < zones->size(); ++i) {
         const SavedZone &zone = zones->at(i);
-        const ZoneTime time = timeOf(zone.identifier, *format, now, local);
+        const CityTimes::Entry time = CityTimes::entryFor(zone, *format, now, local);
         rows.append({QString::number(i + 1), zone.displayName(), zone.identifier,
                      zone.customLabel.value_or(QStringLiteral("-")),
                      zone.isPinned ? QStringLiteral("yes") : QStringLiteral("no"), time.time,
