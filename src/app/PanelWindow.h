@@ -27,6 +27,8 @@ public:
     void openAt(const QPoint &globalPosition);
     // Shows it as an ordinary window, for desktops without any tray.
     void openAsWindow();
+    // False once shown as a window, until opened from a tray again.
+    bool isPopup() const { return m_popup; }
 
 Q_SIGNALS:
     void opened();

@@ -1,5 +1,6 @@
 #include "ZonaraApp.h"
 
+#include "CityTimes.h"
 #include "PanelWindow.h"
 #include "SettingsView.h"
 #include "SettingsWindow.h"
@@ -7,9 +8,11 @@
 #include "TimeZoneDatabase.h"
 #include "TrayIcon.h"
 #include "ZoneListView.h"
+#include "ZoneRowTexts.h"
 #include "ZoneService.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDBusConnection>
 #include <QTimer>
 
@@ -48,6 +51,11 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *paren
     connect(m_tray.get(), &TrayIcon::settingsRequested, this, &ZonaraApp::showSettings);
     connect(m_tray.get(), &TrayIcon::quitRequested, this, &ZonaraApp::quit);
     connect(m_tray.get(), &TrayIcon::kindChanged, this, &ZonaraApp::followTrayKind);
+    connect(m_tray.get(), &TrayIcon::cityChosen, this, &ZonaraApp::copyTime);
+    m_tray->setCityList([this] { return menuCities(); });
+    connect(&m_clock, &Clock::nowChanged, m_tray.get(), &TrayIcon::refreshCities);
+    connect(&m_store, &ZoneStore::zonesChanged, m_tray.get(), &TrayIcon::refreshCities);
+    connect(&m_store, &ZoneStore::formatChanged, m_tray.get(), &TrayIcon::refreshCities);
     updateTray();
     followTrayKind();
 
@@ -73,10 +81,37 @@ void ZonaraApp::updateTray()
     m_tray->setLine(m_label.text(), m_label.accessibleName());
 }
 
+QList<TrayIcon::City> ZonaraApp::menuCities() const
+{
+    QList<TrayIcon::City> cities;
+    for (const CityTimes::Entry &entry : CityTimes::entries(
+             m_store.zones(), m_store.format(), m_clock.now(), TimeZoneDatabase::localZone())) {
+        cities.append(
+            {entry.zone.id.toString(QUuid::WithoutBraces), entry.line(), entry.zone.isPinned});
+    }
+    return cities;
+}
+
+void ZonaraApp::copyTime(const QString &key)
+{
+    for (const SavedZone &zone : m_store.zones()) {
+        if (zone.id.toString(QUuid::WithoutBraces) != key)
+            continue;
+        if (const std::optional<QString> text =
+                ZoneRowTexts::copyText(zone, m_store.format(), m_clock.now()))
+            QGuiApplication::clipboard()->setText(*text);
+        return;
+    }
+}
+
 void ZonaraApp::followTrayKind()
 {
-    if (m_tray->kind() != TrayIcon::Kind::None)
+    if (m_tray->kind() != TrayIcon::Kind::None) {
+        // A tray that came after us takes over from the window.
+        if (m_panel->isVisible() && !m_panel->isPopup())
+            m_panel->hide();
         return;
+    }
     // Never unreachable: without any tray the panel is an ordinary window.
     std::fputs("zonara: no system tray was found; showing Zonara in a window\n", stderr);
     m_panel->openAsWindow();

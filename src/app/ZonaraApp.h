@@ -5,6 +5,7 @@
 #include "MenuBarLabel.h"
 #include "SettingsPreferencesStore.h"
 #include "SystemTimeWatcher.h"
+#include "TrayIcon.h"
 #include "ZoneStore.h"
 
 #include <QObject>
@@ -15,7 +16,6 @@
 class PanelWindow;
 class SettingsWindow;
 class SingleInstance;
-class TrayIcon;
 
 // The running program: the one store, the one clock, the tray item, the
 // panel and the settings window, and the routes between them.
@@ -45,6 +45,8 @@ private:
     void followFormat();
     void updateTray();
     void followTrayKind();
+    QList<TrayIcon::City> menuCities() const;
+    void copyTime(const QString &key);
     bool hasVisibleWindow() const;
 
     SettingsPreferencesStore m_preferences;

@@ -13,6 +13,11 @@ QString Entry::text() const
     return zone.displayName() + u' ' + time;
 }
 
+QString Entry::line() const
+{
+    return text() + QStringLiteral(" · ") + subtitle;
+}
+
 Entry entryFor(const SavedZone &zone, MenuBarFormat format, const QDateTime &at,
                const QTimeZone &localZone)
 {
@@ -42,7 +47,7 @@ QString summary(const QList<SavedZone> &zones, MenuBarFormat format, const QDate
 {
     QStringList lines;
     for (const Entry &entry : entries(zones, format, at, localZone))
-        lines.append(entry.text() + QStringLiteral(" · ") + entry.subtitle);
+        lines.append(entry.line());
     return lines.join(u'\n');
 }
 

@@ -23,6 +23,8 @@ struct Entry
 
     // "Tokyo 21:05"
     QString text() const;
+    // "Tokyo 21:05 · JST · +8h"
+    QString line() const;
 };
 
 Entry entryFor(const SavedZone &zone, MenuBarFormat format, const QDateTime &at,

@@ -79,20 +79,24 @@ QList<int> DBusMenuAdaptor::EventGroup(const QList<DBusMenuEvent> &events)
 
 bool DBusMenuAdaptor::AboutToShow(int id)
 {
-    // The menu never changes on opening, so the host never needs to refresh.
-    if (!m_exporter->contains(id))
+    bool changed = false;
+    if (!m_exporter->prepareToShow(id, changed))
         sendUnknownId(id);
-    return false;
+    return changed;
 }
 
 QList<int> DBusMenuAdaptor::AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors)
 {
     idErrors.clear();
+    QList<int> updatesNeeded;
     for (int id : ids) {
-        if (!m_exporter->contains(id))
+        bool changed = false;
+        if (!m_exporter->prepareToShow(id, changed))
             idErrors.append(id);
+        else if (changed)
+            updatesNeeded.append(id);
     }
     if (!ids.isEmpty() && idErrors.size() == ids.size())
         sendError(QStringLiteral("No menu item found"));
-    return {};
+    return updatesNeeded;
 }

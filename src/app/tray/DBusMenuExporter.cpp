@@ -63,13 +63,45 @@ DBusMenuExporter::~DBusMenuExporter()
         m_bus.unregisterObject(m_path);
 }
 
-int DBusMenuExporter::addItem(const QString &label)
+void DBusMenuExporter::setItems(const QList<Entry> &entries)
 {
-    const int id = m_items.isEmpty() ? 1 : m_items.last().id + 1;
-    m_items.append({id, label});
-    ++m_revision;
-    Q_EMIT m_adaptor->LayoutUpdated(m_revision, rootId);
-    return id;
+    QList<Item> items;
+    items.reserve(entries.size());
+    for (const Entry &entry : entries) {
+        const std::optional<int> id = idOf(entry.key);
+        items.append({id ? *id : ++m_lastId, entry});
+    }
+
+    const bool sameLayout =
+        std::equal(items.cbegin(), items.cend(), m_items.cbegin(), m_items.cend(),
+                   [](const Item &a, const Item &b) {
+                       return a.id == b.id && a.entry.isSeparator == b.entry.isSeparator;
+                   });
+    DBusMenuItemPropertiesList changed;
+    if (sameLayout) {
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            if (items[i].entry.label != m_items[i].entry.label)
+                changed.append(
+                    {items[i].id, {{QStringLiteral("label"), escapedLabel(items[i].entry.label)}}});
+        }
+    }
+    m_items = items;
+    if (!sameLayout) {
+        ++m_revision;
+        Q_EMIT m_adaptor->LayoutUpdated(m_revision, rootId);
+    } else if (!changed.isEmpty()) {
+        ++m_updates;
+        Q_EMIT m_adaptor->ItemsPropertiesUpdated(changed, {});
+    }
+}
+
+std::optional<int> DBusMenuExporter::idOf(const QString &key) const
+{
+    for (const Item &item : m_items) {
+        if (item.entry.key == key)
+            return item.id;
+    }
+    return std::nullopt;
 }
 
 bool DBusMenuExporter::contains(int id) const
@@ -83,13 +115,17 @@ std::optional<QVariantMap> DBusMenuExporter::properties(int id, const QStringLis
     if (id == rootId)
         return filtered({{QStringLiteral("children-display"), QStringLiteral("submenu")}}, names);
     for (const Item &item : m_items) {
-        if (item.id == id) {
-            return filtered({{QStringLiteral("type"), QStringLiteral("standard")},
-                             {QStringLiteral("label"), escapedLabel(item.label)},
-                             {QStringLiteral("enabled"), true},
+        if (item.id != id)
+            continue;
+        if (item.entry.isSeparator)
+            return filtered({{QStringLiteral("type"), QStringLiteral("separator")},
                              {QStringLiteral("visible"), true}},
                             names);
-        }
+        return filtered({{QStringLiteral("type"), QStringLiteral("standard")},
+                         {QStringLiteral("label"), escapedLabel(item.entry.label)},
+                         {QStringLiteral("enabled"), true},
+                         {QStringLiteral("visible"), true}},
+                        names);
     }
     return std::nullopt;
 }
@@ -113,7 +149,31 @@ bool DBusMenuExporter::handleEvent(int id, const QString &eventId)
 {
     if (!contains(id))
         return false;
-    if (id != rootId && eventId == QLatin1String("clicked"))
-        Q_EMIT itemClicked(id);
+    if (id == rootId &&
+        (eventId == QLatin1String("opened") || eventId == QLatin1String("closed"))) {
+        const bool open = eventId == QLatin1String("opened");
+        if (open != m_open) {
+            m_open = open;
+            Q_EMIT openChanged();
+        }
+    }
+    if (id == rootId || eventId != QLatin1String("clicked"))
+        return true;
+    for (const Item &item : m_items) {
+        if (item.id == id && !item.entry.isSeparator)
+            Q_EMIT itemClicked(item.entry.key);
+    }
+    return true;
+}
+
+bool DBusMenuExporter::prepareToShow(int id, bool &changed)
+{
+    if (!contains(id))
+        return false;
+    const uint revision = m_revision;
+    const quint64 updates = m_updates;
+    if (id == rootId)
+        Q_EMIT aboutToShow();
+    changed = m_revision != revision || m_updates != updates;
     return true;
 }

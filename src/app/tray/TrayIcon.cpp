@@ -15,6 +15,15 @@ const QString menuPath = QStringLiteral("/MenuBar");
 const QString showText = QStringLiteral("Show Zonara");
 const QString settingsText = QStringLiteral("Settings\u2026");
 const QString quitText = QStringLiteral("Quit");
+// A nickname's "&" is text, not a mnemonic.
+QString menuText(QString label)
+{
+    return label.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+const QString showKey = QStringLiteral("show");
+const QString settingsKey = QStringLiteral("settings");
+const QString quitKey = QStringLiteral("quit");
 
 } // namespace
 
@@ -23,25 +32,28 @@ TrayIcon::TrayIcon(const QDBusConnection &bus, QObject *parent)
     , m_menu(std::make_unique<QMenu>())
     , m_fallbackTimer(new QTimer(this))
 {
-    // The same three actions in the exported menu and in the fallback's menu.
-    connect(m_menu->addAction(showText), &QAction::triggered, this, &TrayIcon::showRequested);
+    // The same items in the exported menu and in the fallback's menu.
+    m_firstCommand = m_menu->addAction(showText);
+    connect(m_firstCommand, &QAction::triggered, this, &TrayIcon::showRequested);
     connect(m_menu->addAction(settingsText), &QAction::triggered, this,
             &TrayIcon::settingsRequested);
     connect(m_menu->addAction(quitText), &QAction::triggered, this, &TrayIcon::quitRequested);
+    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { updateMenus(true); });
 
     m_menuExporter = new DBusMenuExporter(bus, menuPath, this);
-    const int showId = m_menuExporter->addItem(showText);
-    const int settingsId = m_menuExporter->addItem(settingsText);
-    const int quitId = m_menuExporter->addItem(quitText);
-    connect(m_menuExporter, &DBusMenuExporter::itemClicked, this,
-            [this, showId, settingsId, quitId](int id) {
-                if (id == showId)
-                    Q_EMIT showRequested();
-                else if (id == settingsId)
-                    Q_EMIT settingsRequested();
-                else if (id == quitId)
-                    Q_EMIT quitRequested();
-            });
+    connect(m_menuExporter, &DBusMenuExporter::itemClicked, this, [this](const QString &key) {
+        if (key == showKey)
+            Q_EMIT showRequested();
+        else if (key == settingsKey)
+            Q_EMIT settingsRequested();
+        else if (key == quitKey)
+            Q_EMIT quitRequested();
+        else
+            Q_EMIT cityChosen(key);
+    });
+    connect(m_menuExporter, &DBusMenuExporter::aboutToShow, this, [this] { updateMenus(true); });
+    connect(m_menuExporter, &DBusMenuExporter::openChanged, this, [this] { updateMenus(false); });
+    updateMenus(true);
 
     m_item = new StatusNotifierItem(bus, QDBusObjectPath(menuPath), this);
     connect(m_item, &StatusNotifierItem::activateRequested, this, &TrayIcon::activated);
@@ -68,6 +80,70 @@ void TrayIcon::setLine(const QString &text, const QString &accessibleName)
     m_item->setLine(text, accessibleName);
     if (m_fallback)
         m_fallback->setToolTip(fallbackToolTip());
+}
+
+void TrayIcon::setCityList(CityList cities)
+{
+    m_cities = std::move(cities);
+    updateMenus(true);
+}
+
+void TrayIcon::refreshCities()
+{
+    updateMenus(false);
+}
+
+void TrayIcon::updateMenus(bool evenIfClosed)
+{
+    const bool exportedOpen = m_menuExporter->isOpen();
+    const bool localOpen = m_menu->isVisible();
+    if (!evenIfClosed && !exportedOpen && !localOpen)
+        return;
+    const QList<City> cities = m_cities ? m_cities() : QList<City>();
+
+    // Unpinned cities after a line of their own, then the commands.
+    QList<DBusMenuExporter::Entry> entries;
+    for (qsizetype i = 0; i < cities.size(); ++i) {
+        if (i > 0 && cities[i].isPinned != cities[i - 1].isPinned)
+            entries.append({QStringLiteral("separator:unpinned"), {}, true});
+        entries.append({cities[i].key, cities[i].label});
+    }
+    if (!cities.isEmpty())
+        entries.append({QStringLiteral("separator:commands"), {}, true});
+    entries.append({showKey, showText});
+    entries.append({settingsKey, settingsText});
+    entries.append({quitKey, quitText});
+    if (evenIfClosed || exportedOpen)
+        m_menuExporter->setItems(entries);
+
+    if (!evenIfClosed && !localOpen)
+        return;
+    // The local menu is rebuilt in place above its commands; while it is open
+    // only the labels change, so it keeps its size and the highlighted row.
+    const bool sameCities = m_cityActions.size() == entries.size() - 3 &&
+                            std::equal(m_cityActions.cbegin(), m_cityActions.cend(),
+                                       entries.cbegin(), [](QAction *action, const auto &entry) {
+                                           return action->data().toString() == entry.key;
+                                       });
+    if (sameCities) {
+        for (qsizetype i = 0; i < m_cityActions.size(); ++i)
+            m_cityActions[i]->setText(menuText(entries[i].label));
+        return;
+    }
+    qDeleteAll(m_cityActions);
+    m_cityActions.clear();
+    for (qsizetype i = 0; i + 3 < entries.size(); ++i) {
+        const DBusMenuExporter::Entry &entry = entries[i];
+        auto *action = new QAction(menuText(entry.label), m_menu.get());
+        action->setSeparator(entry.isSeparator);
+        action->setData(entry.key);
+        if (!entry.isSeparator) {
+            connect(action, &QAction::triggered, this,
+                    [this, key = entry.key] { Q_EMIT cityChosen(key); });
+        }
+        m_menu->insertAction(m_firstCommand, action);
+        m_cityActions.append(action);
+    }
 }
 
 void TrayIcon::onHostedChanged()

@@ -5,9 +5,11 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class DBusMenuExporter;
+class QAction;
 class QMenu;
 class QSystemTrayIcon;
 class QTimer;
@@ -33,7 +35,21 @@ public:
     explicit TrayIcon(const QDBusConnection &bus, QObject *parent = nullptr);
     ~TrayIcon() override;
 
+    struct City
+    {
+        QString key;
+        QString label;
+        bool isPinned = false;
+    };
+    using CityList = std::function<QList<City>()>;
+
     Kind kind() const { return m_kind; }
+
+    // The cities both menus list above their commands, pinned ones first.
+    // Asked for when a menu is about to show and, while one is open, on
+    // refreshCities(); a closed menu costs nothing.
+    void setCityList(CityList cities);
+    void refreshCities();
 
     // The line of pinned times; an empty text shows the globe icon alone.
     // accessibleName is "Zonara" for the globe, else "Zonara, " + text (the caller computes it).
@@ -44,15 +60,20 @@ Q_SIGNALS:
     void showRequested();                   // menu "Show Zonara"
     void settingsRequested();               // menu "Settings…"
     void quitRequested();                   // menu "Quit"
+    void cityChosen(const QString &key);    // a city in the menu
     void kindChanged();
 
 private:
     void onHostedChanged();
+    void updateMenus(bool evenIfClosed);
     void updateKind();
     void showFallback();
     QString fallbackToolTip() const;
 
     std::unique_ptr<QMenu> m_menu;
+    QList<QAction *> m_cityActions;
+    QAction *m_firstCommand = nullptr;
+    CityList m_cities;
     DBusMenuExporter *m_menuExporter = nullptr;
     StatusNotifierItem *m_item = nullptr;
     QSystemTrayIcon *m_fallback = nullptr;

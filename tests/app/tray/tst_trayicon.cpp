@@ -268,35 +268,73 @@ void TestTrayIcon::menuClickEmitsItsSignal_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<QList<int>>("expected"); // show, settings, quit
-    QTest::newRow("Show Zonara") << 0 << QList<int>{1, 0, 0};
-    QTest::newRow("Settings") << 1 << QList<int>{0, 1, 0};
-    QTest::newRow("Quit") << 2 << QList<int>{0, 0, 1};
+    QTest::addColumn<QString>("city");        // the key of the city chosen
+    QTest::newRow("a pinned city") << 1 << QList<int>{0, 0, 0} << "lon";
+    QTest::newRow("an unpinned city") << 3 << QList<int>{0, 0, 0} << "nyc";
+    QTest::newRow("a separator") << 2 << QList<int>{0, 0, 0} << "";
+    QTest::newRow("Show Zonara") << 5 << QList<int>{1, 0, 0} << "";
+    QTest::newRow("Settings") << 6 << QList<int>{0, 1, 0} << "";
+    QTest::newRow("Quit") << 7 << QList<int>{0, 0, 1} << "";
 }
 
 void TestTrayIcon::menuClickEmitsItsSignal()
 {
     QFETCH(int, index);
     QFETCH(QList<int>, expected);
+    QFETCH(QString, city);
 
+    QString minute = QStringLiteral("05");
+    m_tray->setCityList([&minute] {
+        return QList<TrayIcon::City>{
+            {QStringLiteral("tyo"), QStringLiteral("Tokyo 22:") + minute, true},
+            {QStringLiteral("lon"), QStringLiteral("London 13:") + minute, true},
+            {QStringLiteral("nyc"), QStringLiteral("New York 08:") + minute, false}};
+    });
     // The menu is looked up where the item says it is.
     const QString path = itemProperty(QStringLiteral("Menu")).value<QDBusObjectPath>().path();
-    const QDBusMessage layout =
-        TestBus::call(m_client, itemService(), path, menuInterface, QStringLiteral("GetLayout"),
-                      {0, -1, QStringList{QStringLiteral("label")}});
-    const TestBus::MenuNode root = TestBus::menuNode(layout.arguments().value(1));
-    QCOMPARE(root.labels(),
-             QStringList({QStringLiteral("Show Zonara"), QStringLiteral("Settings\u2026"),
-                          QStringLiteral("Quit")}));
+    const auto menuCall = [&](const QString &method, const QVariantList &arguments) {
+        return TestBus::call(m_client, itemService(), path, menuInterface, method, arguments);
+    };
+    const auto labels = [&] {
+        return TestBus::menuNode(
+            menuCall(QStringLiteral("GetLayout"), {0, -1, QStringList{QStringLiteral("label")}})
+                .arguments()
+                .value(1));
+    };
+    const TestBus::MenuNode root = labels();
+    QCOMPARE(
+        root.labels(),
+        QStringList({QStringLiteral("Tokyo 22:05"), QStringLiteral("London 13:05"), QString(),
+                     QStringLiteral("New York 08:05"), QString(), QStringLiteral("Show Zonara"),
+                     QStringLiteral("Settings\u2026"), QStringLiteral("Quit")}));
 
     QSignalSpy show(m_tray.get(), &TrayIcon::showRequested);
     QSignalSpy settings(m_tray.get(), &TrayIcon::settingsRequested);
     QSignalSpy quit(m_tray.get(), &TrayIcon::quitRequested);
-    const QDBusMessage reply =
-        TestBus::call(m_client, itemService(), path, menuInterface, QStringLiteral("Event"),
-                      {root.children.at(index).id, QStringLiteral("clicked"),
-                       QVariant::fromValue(QDBusVariant(0)), 0u});
-    QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+    QSignalSpy chosen(m_tray.get(), &TrayIcon::cityChosen);
+    const auto event = [&](int id, const QString &eventId) {
+        return menuCall(QStringLiteral("Event"),
+                        {id, eventId, QVariant::fromValue(QDBusVariant(0)), 0u});
+    };
+    QCOMPARE(event(root.children.at(index).id, QStringLiteral("clicked")).type(),
+             QDBusMessage::ReplyMessage);
     QCOMPARE(QList<int>({int(show.size()), int(settings.size()), int(quit.size())}), expected);
+    QCOMPARE(chosen.size(), city.isEmpty() ? 0 : 1);
+    if (!city.isEmpty())
+        QCOMPARE(chosen.at(0).at(0).toString(), city);
+
+    // Times move on while the menu is open, and a closed menu costs nothing
+    // until it is about to show again.
+    event(0, QStringLiteral("opened"));
+    minute = QStringLiteral("06");
+    m_tray->refreshCities();
+    QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:06"));
+    event(0, QStringLiteral("closed"));
+    minute = QStringLiteral("07");
+    m_tray->refreshCities();
+    QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:06"));
+    QVERIFY(menuCall(QStringLiteral("AboutToShow"), {0}).arguments().value(0).toBool());
+    QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:07"));
 }
 
 void TestTrayIcon::noWatcherAndNoTrayMeansNoneUntilOneAppears()
