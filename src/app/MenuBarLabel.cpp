@@ -28,8 +28,10 @@ void MenuBarLabel::update()
     // The local zone is read afresh: the user may have moved since the last tick.
     const QString text = MenuBarFormatter::string(m_store.zones(), m_store.format(), m_clock.now(),
                                                   TimeZoneDatabase::localZone());
-    if (text == m_text)
+    const QString guide = MenuBarFormatter::guide(m_store.zones(), m_store.format());
+    if (text == m_text && guide == m_guide)
         return;
     m_text = text;
+    m_guide = guide;
     Q_EMIT textChanged();
 }

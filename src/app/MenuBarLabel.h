@@ -18,6 +18,8 @@ public:
 
     // The line; empty when the globe is shown.
     QString text() const { return m_text; }
+    // The widest the line can grow to as time passes, for hosts that reserve room.
+    QString guide() const { return m_guide; }
     bool showsGlobe() const { return m_text.isEmpty(); }
     // "Zonara" for the globe, otherwise "Zonara, " and the line.
     QString accessibleName() const;
@@ -31,4 +33,5 @@ private:
     const ZoneStore &m_store;
     const Clock &m_clock;
     QString m_text;
+    QString m_guide;
 };

@@ -78,7 +78,7 @@ void ZonaraApp::followFormat()
 
 void ZonaraApp::updateTray()
 {
-    m_tray->setLine(m_label.text(), m_label.accessibleName());
+    m_tray->setLine(m_label.text(), m_label.accessibleName(), m_label.guide());
 }
 
 QList<TrayIcon::City> ZonaraApp::menuCities() const

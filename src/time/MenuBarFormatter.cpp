@@ -52,8 +52,11 @@ std::optional<QString> daySuffixIfDifferent(const QDateTime &date, const QTimeZo
     return PosixTimeFormat::format(date, zoneTimeZone, u"EEE");
 }
 
-QString string(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &at,
-               const QTimeZone &localTimeZone)
+namespace {
+
+// The pinned zones the database knows, each as the piece the line shows.
+template<typename Piece>
+QString joined(const QList<SavedZone> &zones, MenuBarFormat format, Piece &&piece)
 {
     QStringList pieces;
     for (const SavedZone &zone : zones) {
@@ -62,19 +65,48 @@ QString string(const QList<SavedZone> &zones, MenuBarFormat format, const QDateT
         const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier);
         if (!timeZone)
             continue;
-        const QString time = timeString(format, at, *timeZone);
-        if (format == MenuBarFormat::timeOnly24) {
-            pieces.append(time);
-            continue;
-        }
-        QString piece = labelOf(zone) + u' ';
-        if (format == MenuBarFormat::labelDayTime24) {
-            if (const auto day = daySuffixIfDifferent(at, *timeZone, localTimeZone))
-                piece += *day + u' ';
-        }
-        pieces.append(piece + time);
+        QString text = piece(*timeZone);
+        if (format != MenuBarFormat::timeOnly24)
+            text.prepend(labelOf(zone) + u' ');
+        pieces.append(text);
     }
     return pieces.join(u"  ");
+}
+
+} // namespace
+
+QString string(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &at,
+               const QTimeZone &localTimeZone)
+{
+    return joined(zones, format, [&](const QTimeZone &timeZone) -> QString {
+        QString day;
+        if (format == MenuBarFormat::labelDayTime24) {
+            if (const auto suffix = daySuffixIfDifferent(at, timeZone, localTimeZone))
+                day = *suffix + u' ';
+        }
+        return day + timeString(format, at, timeZone);
+    });
+}
+
+QString guide(const QList<SavedZone> &zones, MenuBarFormat format)
+{
+    QString widest;
+    switch (format) {
+    case MenuBarFormat::labelTime24Seconds:
+        widest = QStringLiteral("00:00:00");
+        break;
+    case MenuBarFormat::labelTime12:
+        widest = QStringLiteral("00:00p");
+        break;
+    case MenuBarFormat::labelDayTime24:
+        widest = QStringLiteral("Wed 00:00");
+        break;
+    case MenuBarFormat::labelTime24:
+    case MenuBarFormat::timeOnly24:
+        widest = QStringLiteral("00:00");
+        break;
+    }
+    return joined(zones, format, [&](const QTimeZone &) -> QString { return widest; });
 }
 
 } // namespace MenuBarFormatter

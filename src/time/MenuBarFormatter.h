@@ -24,5 +24,9 @@ std::optional<QString> daySuffixIfDifferent(const QDateTime &date, const QTimeZo
 // database does not know are left out; empty when nothing is left.
 QString string(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &at,
                const QTimeZone &localTimeZone);
+// The widest text that line can take in the format, whatever the time: every
+// digit "0", the widest weekday, two-digit hours. Hosts reserve its width so
+// the panel does not shift as the minutes pass.
+QString guide(const QList<SavedZone> &zones, MenuBarFormat format);
 
 } // namespace MenuBarFormatter

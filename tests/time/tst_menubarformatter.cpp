@@ -70,24 +70,36 @@ void TestMenuBarFormatter::workedExample_data()
 {
     QTest::addColumn<MenuBarFormat>("format");
     QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("guide"); // the widest the line can take in that format
 
     QTest::newRow("labelTime24") << MenuBarFormat::labelTime24
-                                 << "NYC 20:00  LON 01:00  Tokyo office 10:00";
+                                 << "NYC 20:00  LON 01:00  Tokyo office 10:00"
+                                 << "NYC 00:00  LON 00:00  Tokyo office 00:00";
     QTest::newRow("labelTime12") << MenuBarFormat::labelTime12
-                                 << "NYC 8:00p  LON 1:00a  Tokyo office 10:00a";
-    QTest::newRow("timeOnly24") << MenuBarFormat::timeOnly24 << "20:00  01:00  10:00";
+                                 << "NYC 8:00p  LON 1:00a  Tokyo office 10:00a"
+                                 << "NYC 00:00p  LON 00:00p  Tokyo office 00:00p";
+    QTest::newRow("timeOnly24") << MenuBarFormat::timeOnly24 << "20:00  01:00  10:00"
+                                << "00:00  00:00  00:00";
     QTest::newRow("labelDayTime24")
-        << MenuBarFormat::labelDayTime24 << "NYC 20:00  LON Tue 01:00  Tokyo office Tue 10:00";
+        << MenuBarFormat::labelDayTime24 << "NYC 20:00  LON Tue 01:00  Tokyo office Tue 10:00"
+        << "NYC Wed 00:00  LON Wed 00:00  Tokyo office Wed 00:00";
     QTest::newRow("labelTime24Seconds")
-        << MenuBarFormat::labelTime24Seconds << "NYC 20:00:07  LON 01:00:07  Tokyo office 10:00:07";
+        << MenuBarFormat::labelTime24Seconds << "NYC 20:00:07  LON 01:00:07  Tokyo office 10:00:07"
+        << "NYC 00:00:00  LON 00:00:00  Tokyo office 00:00:00";
 }
 
 void TestMenuBarFormatter::workedExample()
 {
     QFETCH(MenuBarFormat, format);
     QFETCH(QString, line);
+    QFETCH(QString, guide);
 
-    QCOMPARE(MenuBarFormatter::string(exampleZones(), format, mondayEvening, newYork), line);
+    QList<SavedZone> zones = exampleZones();
+    QCOMPARE(MenuBarFormatter::string(zones, format, mondayEvening, newYork), line);
+    // Unpinned and unknown zones take no room in the line, nor in its guide.
+    zones.append(zone("Europe/Paris", std::nullopt, false));
+    zones.append(zone("Nowhere/Atlantis"));
+    QCOMPARE(MenuBarFormatter::guide(zones, format), guide);
 }
 
 void TestMenuBarFormatter::string_data()

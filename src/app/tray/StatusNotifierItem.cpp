@@ -102,12 +102,14 @@ void StatusNotifierItem::setHosted(bool hosted)
     Q_EMIT hostedChanged();
 }
 
-void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName)
+void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName,
+                                 const QString &guide)
 {
-    if (text == m_text && accessibleName == m_accessibleName)
+    if (text == m_text && accessibleName == m_accessibleName && guide == m_guide)
         return;
     m_text = text;
     m_accessibleName = accessibleName;
+    m_guide = guide;
     Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
     // Some hosts re-read the label only on NewTitle.
     Q_EMIT m_adaptor->NewTitle();

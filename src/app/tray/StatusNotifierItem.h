@@ -36,13 +36,14 @@ public:
     // Whether a watcher owns its name and has not refused our registration.
     bool isHosted() const { return m_hosted; }
 
-    // An empty text shows the globe alone, titled "Zonara".
-    void setLine(const QString &text, const QString &accessibleName);
+    // An empty text shows the globe alone, titled "Zonara". The guide is the
+    // widest the line can grow to; without one, hosts size it for the text.
+    void setLine(const QString &text, const QString &accessibleName,
+                 const QString &guide = QString());
 
     QString title() const;
     QString label() const { return m_text; }
-    // Hosts size the label for this text; the line itself keeps width with tabular digits.
-    QString labelGuide() const { return m_text; }
+    QString labelGuide() const { return m_text.isEmpty() || m_guide.isEmpty() ? m_text : m_guide; }
     SniToolTip toolTip() const;
     const SniIconPixmapList &iconPixmap() const { return m_iconPixmap; }
     QDBusObjectPath menu() const { return m_menuPath; }
@@ -66,6 +67,7 @@ private:
     SniIconPixmapList m_iconPixmap;
     QString m_text;
     QString m_accessibleName;
+    QString m_guide;
     bool m_exported = false;
     bool m_hosted = false;
     // Replies to earlier registrations are stale once a newer one is sent.

@@ -74,10 +74,10 @@ TrayIcon::~TrayIcon()
     delete m_fallback;
 }
 
-void TrayIcon::setLine(const QString &text, const QString &accessibleName)
+void TrayIcon::setLine(const QString &text, const QString &accessibleName, const QString &guide)
 {
     m_text = text;
-    m_item->setLine(text, accessibleName);
+    m_item->setLine(text, accessibleName, guide);
     if (m_fallback)
         m_fallback->setToolTip(fallbackToolTip());
 }

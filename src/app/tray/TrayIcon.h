@@ -53,7 +53,9 @@ public:
 
     // The line of pinned times; an empty text shows the globe icon alone.
     // accessibleName is "Zonara" for the globe, else "Zonara, " + text (the caller computes it).
-    void setLine(const QString &text, const QString &accessibleName);
+    // guide: the widest the text can grow to, for hosts that reserve its room.
+    void setLine(const QString &text, const QString &accessibleName,
+                 const QString &guide = QString());
 
 Q_SIGNALS:
     void activated(const QPoint &position); // Activate(x, y), or a click on the fallback icon
