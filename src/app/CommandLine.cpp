@@ -408,6 +408,9 @@ int CommandLine::watch(QCommandLineParser &parser)
             return;
         lastOutput = output;
         print(output);
+        // The bar reading us is gone; where SIGPIPE is ignored, nothing else ends us.
+        if (m_out.status() != QTextStream::Ok)
+            QCoreApplication::exit(Success);
     };
 
     // Edits show at once, not only at the next tick. The preferences file is

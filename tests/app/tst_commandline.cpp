@@ -9,10 +9,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
 #include <unistd.h>
 
 namespace {
@@ -53,6 +53,7 @@ private Q_SLOTS:
     void searchJson();
     void format();
     void watchPrintsOnEveryTick();
+    void watchEndsWithItsReader();
     void unsavedEditsFail_data();
     void unsavedEditsFail();
     void deepNestingLoadsEmpty();
@@ -546,6 +547,24 @@ void TestCommandLine::watchPrintsOnEveryTick()
                  qPrintable(QStringLiteral("%1 printed, arrived in %2").arg(printed).arg(arrived)));
         QVERIFY(object["text"] != objects[i - 1]["text"]);
     }
+}
+
+void TestCommandLine::watchEndsWithItsReader()
+{
+    saveZones(workedExampleZones());
+    // A reader that leaves after one line, under a shell that ignores SIGPIPE
+    // as some bars do: only the failed write can end the watcher.
+    QProcess shell;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
+    shell.setProcessEnvironment(environment);
+    shell.start(QStringLiteral("bash"),
+                {"-c",
+                 "trap '' PIPE; \"$0\" watch --format labelTime24Seconds | head -n 1 >/dev/null; "
+                 "echo \"${PIPESTATUS[0]}\"",
+                 ZONARA_BINARY});
+    QVERIFY(shell.waitForFinished(10000));
+    QCOMPARE(shell.readAllStandardOutput(), QByteArray("0\n"));
 }
 
 void TestCommandLine::unsavedEditsFail_data()
