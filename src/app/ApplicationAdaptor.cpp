@@ -22,6 +22,8 @@ void ApplicationAdaptor::ActivateAction(const QString &actionName, const QVarian
 {
     if (actionName == u"settings")
         m_instance.requestSettings();
+    else if (actionName == u"panel")
+        m_instance.requestPanel();
     else
         m_instance.requestActivate();
 }

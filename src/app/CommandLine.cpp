@@ -28,8 +28,9 @@
 namespace {
 
 const QString helpText = QStringLiteral(
-    "Usage: zonara [--settings]\n"
-    "  Starts Zonara in the tray; --settings also opens its settings.\n"
+    "Usage: zonara [--settings | --panel]\n"
+    "  Starts Zonara in the tray; --settings also opens its settings, --panel\n"
+    "  its panel at the pointer (for a status bar's click).\n"
     "\n"
     "Usage: zonara COMMAND [OPTIONS]\n"
     "  line [--format NAME] [--at INSTANT]   print the tray line of the pinned cities\n"
@@ -152,7 +153,8 @@ std::optional<QString> CommandLine::unknownTrayOption(const QStringList &argumen
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         // --gapplication-service: started by the bus for the desktop entry's activation.
-        if (argument == u"--settings" || argument == u"--gapplication-service")
+        if (argument == u"--settings" || argument == u"--panel" ||
+            argument == u"--gapplication-service")
             continue;
         // Qt takes its options after one dash or two, the value after '=' or
         // as the next argument.

@@ -21,6 +21,7 @@ namespace {
 constexpr int forwardTimeoutMs = 2000;
 const QByteArray activateMessage = "activate\n";
 const QByteArray settingsMessage = "settings\n";
+const QByteArray panelMessage = "panel\n";
 
 } // namespace
 
@@ -62,17 +63,19 @@ bool SingleInstance::claim()
     return true;
 }
 
-bool SingleInstance::forward(bool showSettings)
+bool SingleInstance::forward(Request request)
 {
     if (!m_bus.isConnected())
-        return forwardToLocalSocket(showSettings);
+        return forwardToLocalSocket(request);
 
     const QString interface = QStringLiteral("org.freedesktop.Application");
     QDBusMessage call;
-    if (showSettings) {
+    if (request != Request::reopen) {
         call = QDBusMessage::createMethodCall(serviceName, objectPath, interface,
                                               QStringLiteral("ActivateAction"));
-        call << QStringLiteral("settings") << QVariantList() << QVariantMap();
+        call << (request == Request::settings ? QStringLiteral("settings")
+                                              : QStringLiteral("panel"))
+             << QVariantList() << QVariantMap();
     } else {
         call = QDBusMessage::createMethodCall(serviceName, objectPath, interface,
                                               QStringLiteral("Activate"));
@@ -90,6 +93,11 @@ void SingleInstance::requestActivate()
 void SingleInstance::requestSettings()
 {
     Q_EMIT settingsRequested();
+}
+
+void SingleInstance::requestPanel()
+{
+    Q_EMIT panelRequested();
 }
 
 QString SingleInstance::socketName() const
@@ -125,6 +133,8 @@ bool SingleInstance::claimLocalSocket()
                     const QByteArray line = socket->readLine();
                     if (line == settingsMessage)
                         requestSettings();
+                    else if (line == panelMessage)
+                        requestPanel();
                     else if (line == activateMessage)
                         requestActivate();
                 }
@@ -134,13 +144,15 @@ bool SingleInstance::claimLocalSocket()
     return true;
 }
 
-bool SingleInstance::forwardToLocalSocket(bool showSettings)
+bool SingleInstance::forwardToLocalSocket(Request request)
 {
     QLocalSocket socket;
     socket.connectToServer(socketName());
     if (!socket.waitForConnected(forwardTimeoutMs))
         return false;
-    socket.write(showSettings ? settingsMessage : activateMessage);
+    socket.write(request == Request::settings ? settingsMessage
+                 : request == Request::panel  ? panelMessage
+                                              : activateMessage);
     const bool written = socket.waitForBytesWritten(forwardTimeoutMs);
     socket.disconnectFromServer();
     return written;

@@ -19,9 +19,15 @@ public:
 
     // Becomes the running instance; false when another one already is.
     bool claim();
-    // Asks the running instance to re-open (or to show its settings). True
-    // when it was reached.
-    bool forward(bool showSettings);
+    // What a launch asks of the running instance.
+    enum class Request {
+        reopen,   // a plain launch: show something when nothing is visible
+        settings, // --settings
+        panel,    // --panel: the panel at the pointer, as a bar's click wants
+    };
+
+    // Asks the running instance; true when it was reached.
+    bool forward(Request request);
 
     // The object the bus interfaces hang on; null before claim() or without a bus.
     QObject *exportedObject() const { return m_exported; }
@@ -29,16 +35,19 @@ public:
     // Called by the bus adaptor.
     void requestActivate();
     void requestSettings();
+    void requestPanel();
 
 Q_SIGNALS:
     // A re-launch: show settings when no window is visible.
     void reopenRequested();
     // A re-launch with --settings.
     void settingsRequested();
+    // A re-launch with --panel.
+    void panelRequested();
 
 private:
     bool claimLocalSocket();
-    bool forwardToLocalSocket(bool showSettings);
+    bool forwardToLocalSocket(Request request);
     QString socketName() const;
 
     QDBusConnection m_bus;

@@ -18,7 +18,7 @@
 
 #include <cstdio>
 
-ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *parent)
+ZonaraApp::ZonaraApp(SingleInstance &instance, SingleInstance::Request request, QObject *parent)
     : QObject(parent)
     , m_store(m_preferences, TimeZoneDatabase::lookup())
     , m_updater(m_preferences)
@@ -65,8 +65,11 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *paren
 
     connect(&instance, &SingleInstance::reopenRequested, this, &ZonaraApp::reopen);
     connect(&instance, &SingleInstance::settingsRequested, this, &ZonaraApp::showSettings);
-    if (openSettings)
+    connect(&instance, &SingleInstance::panelRequested, this, &ZonaraApp::showPanel);
+    if (request == SingleInstance::Request::settings)
         QTimer::singleShot(0, this, &ZonaraApp::showSettings);
+    else if (request == SingleInstance::Request::panel)
+        QTimer::singleShot(0, this, &ZonaraApp::showPanel);
 }
 
 ZonaraApp::~ZonaraApp() = default;
@@ -134,6 +137,11 @@ void ZonaraApp::togglePanelAt(const QPoint &globalPosition)
         return;
     }
     m_panel->openAt(globalPosition);
+}
+
+void ZonaraApp::showPanel()
+{
+    m_panel->openAt(QPoint());
 }
 
 void ZonaraApp::reopen()

@@ -4,6 +4,7 @@
 #include "Clock.h"
 #include "MenuBarLabel.h"
 #include "SettingsPreferencesStore.h"
+#include "SingleInstance.h"
 #include "SystemTimeWatcher.h"
 #include "TrayIcon.h"
 #include "ZoneStore.h"
@@ -15,7 +16,6 @@
 
 class PanelWindow;
 class SettingsWindow;
-class SingleInstance;
 
 // The running program: the one store, the one clock, the tray item, the
 // panel and the settings window, and the routes between them.
@@ -24,7 +24,8 @@ class ZonaraApp final : public QObject
     Q_OBJECT
 
 public:
-    ZonaraApp(SingleInstance &instance, bool openSettings, QObject *parent = nullptr);
+    // The launch's own request is served once everything is up.
+    ZonaraApp(SingleInstance &instance, SingleInstance::Request request, QObject *parent = nullptr);
     ~ZonaraApp() override;
 
     ZoneStore &store() { return m_store; }
@@ -37,6 +38,8 @@ public:
 
     void showSettings();
     void togglePanelAt(const QPoint &globalPosition);
+    // For a bar's click: at the pointer, where the platform tells it.
+    void showPanel();
     // Brings Zonara back when it is launched again while running.
     void reopen();
     void quit();

@@ -58,15 +58,18 @@ int main(int argc, char *argv[])
     // Zonara lives in the tray: closing a window never ends it.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const bool openSettings = arguments.contains(QStringLiteral("--settings"));
+    using Request = SingleInstance::Request;
+    const Request request = arguments.contains(QStringLiteral("--settings")) ? Request::settings
+                            : arguments.contains(QStringLiteral("--panel"))  ? Request::panel
+                                                                             : Request::reopen;
     SingleInstance instance(QDBusConnection::sessionBus());
     if (!instance.claim()) {
-        if (instance.forward(openSettings))
+        if (instance.forward(request))
             return 0;
         std::fputs("zonara: another Zonara is running but did not answer\n", stderr);
         return 1;
     }
 
-    ZonaraApp zonara(instance, openSettings);
+    ZonaraApp zonara(instance, request);
     return app.exec();
 }

@@ -52,7 +52,7 @@ void TestPanelFlow::initTestCase()
 
     m_instance = std::make_unique<SingleInstance>(QDBusConnection::sessionBus());
     QVERIFY(m_instance->claim());
-    m_app = std::make_unique<ZonaraApp>(*m_instance, false);
+    m_app = std::make_unique<ZonaraApp>(*m_instance, SingleInstance::Request::reopen);
     QTRY_VERIFY_WITH_TIMEOUT(!m_watcher.items().isEmpty(), 10000);
     QVERIFY(!m_app->panel().isVisible());
 }

@@ -22,13 +22,14 @@ class TestSingleInstance final : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
-    void secondLaunchOpensSettings();
-    void settingsArgumentOnFirstLaunch_data();
-    void settingsArgumentOnFirstLaunch();
+    void secondLaunchForwards_data();
+    void secondLaunchForwards();
+    void argumentOnFirstLaunch_data();
+    void argumentOnFirstLaunch();
 
 private:
     std::unique_ptr<QProcess> launch(const QStringList &arguments);
-    bool settingsVisible() const;
+    bool visible(const QString &title) const;
 
     QTemporaryDir m_home;
     FakeStatusNotifierWatcher m_watcher;
@@ -69,27 +70,40 @@ std::unique_ptr<QProcess> TestSingleInstance::launch(const QStringList &argument
     return process;
 }
 
-bool TestSingleInstance::settingsVisible() const
+const QString settingsTitle = QStringLiteral("^Zonara Settings$");
+const QString panelTitle = QStringLiteral("^Zonara$");
+
+bool TestSingleInstance::visible(const QString &title) const
 {
     QProcess search;
     search.start(QStringLiteral("xdotool"),
                  {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                  QStringLiteral("--name"), QStringLiteral("^Zonara Settings$")});
+                  QStringLiteral("--name"), title});
     search.waitForFinished(5000);
     return search.exitCode() == 0 && !search.readAllStandardOutput().trimmed().isEmpty();
 }
 
-void TestSingleInstance::secondLaunchOpensSettings()
+void TestSingleInstance::secondLaunchForwards_data()
 {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("window"); // the title of the window it opens
+    QTest::newRow("plain") << QStringList() << settingsTitle;
+    QTest::newRow("--panel") << QStringList{QStringLiteral("--panel")} << panelTitle;
+}
+
+void TestSingleInstance::secondLaunchForwards()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, window);
     m_processes.push_back(launch({}));
     QTRY_VERIFY_WITH_TIMEOUT(
         QDBusConnection::sessionBus().interface()->isServiceRegistered(serviceName), 10000);
     QTRY_VERIFY_WITH_TIMEOUT(!m_watcher.items().isEmpty(), 10000);
-    QVERIFY(!settingsVisible());
+    QVERIFY(!visible(window));
 
     QElapsedTimer elapsed;
     elapsed.start();
-    std::unique_ptr<QProcess> second = launch({});
+    std::unique_ptr<QProcess> second = launch(arguments);
     QVERIFY(second->waitForFinished(5000));
     const qint64 ms = elapsed.elapsed();
     qInfo("the second launch exited after %lld ms", ms);
@@ -97,28 +111,29 @@ void TestSingleInstance::secondLaunchOpensSettings()
     QCOMPARE(second->exitCode(), 0);
     QVERIFY2(ms < 1000, qPrintable(QString::number(ms)));
 
-    QTRY_VERIFY_WITH_TIMEOUT(settingsVisible(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(visible(window), 5000);
     QCOMPARE(m_processes.front()->state(), QProcess::Running);
 }
 
-void TestSingleInstance::settingsArgumentOnFirstLaunch_data()
+void TestSingleInstance::argumentOnFirstLaunch_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("opens");
-    QTest::newRow("exact") << QStringList{QStringLiteral("--settings")} << true;
+    QTest::addColumn<QString>("window"); // empty: refused
+    QTest::newRow("--settings") << QStringList{QStringLiteral("--settings")} << settingsTitle;
     QTest::newRow("among others") << QStringList{QStringLiteral("-style"), QStringLiteral("fusion"),
                                                  QStringLiteral("--settings")}
-                                  << true;
-    QTest::newRow("letter case") << QStringList{QStringLiteral("--Settings")} << false;
-    QTest::newRow("one hyphen") << QStringList{QStringLiteral("-settings")} << false;
+                                  << settingsTitle;
+    QTest::newRow("--panel") << QStringList{QStringLiteral("--panel")} << panelTitle;
+    QTest::newRow("letter case") << QStringList{QStringLiteral("--Settings")} << QString();
+    QTest::newRow("one hyphen") << QStringList{QStringLiteral("-settings")} << QString();
 }
 
-void TestSingleInstance::settingsArgumentOnFirstLaunch()
+void TestSingleInstance::argumentOnFirstLaunch()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(bool, opens);
+    QFETCH(QString, window);
     m_processes.push_back(launch(arguments));
-    if (!opens) {
+    if (window.isEmpty()) {
         // A near miss is an unknown option: refused before anything starts.
         QProcess &refused = *m_processes.back();
         QVERIFY(refused.waitForFinished(10000));
@@ -128,7 +143,7 @@ void TestSingleInstance::settingsArgumentOnFirstLaunch()
     }
     QTRY_VERIFY_WITH_TIMEOUT(
         QDBusConnection::sessionBus().interface()->isServiceRegistered(serviceName), 10000);
-    QTRY_VERIFY_WITH_TIMEOUT(settingsVisible(), 5000);
+    QTRY_VERIFY_WITH_TIMEOUT(visible(window), 5000);
 }
 
 QTEST_GUILESS_MAIN(TestSingleInstance)

@@ -57,7 +57,7 @@ _zonara()
 
     if [[ -z $command ]]; then
         if [[ $cur == -* ]]; then
-            COMPREPLY=($(compgen -W "--settings --help --version" -- "$cur"))
+            COMPREPLY=($(compgen -W "--settings --panel --help --version" -- "$cur"))
         else
             COMPREPLY=($(compgen -W "line watch list add rename pin unpin remove move search format" -- "$cur"))
         fi

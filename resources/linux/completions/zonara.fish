@@ -19,6 +19,7 @@ end
 
 complete -c zonara -f
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -l settings -d 'Open the settings'
+complete -c zonara -n "not __fish_seen_subcommand_from $commands" -l panel -d 'Open the panel at the pointer'
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -s h -l help -d 'Show the commands'
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -s v -l version -d 'Show the version'
 
