@@ -33,7 +33,9 @@ const QString helpText = QStringLiteral(
     "  its panel at the pointer (for a status bar's click).\n"
     "\n"
     "Usage: zonara COMMAND [OPTIONS]\n"
-    "  line [--format NAME] [--at INSTANT]   print the tray line of the pinned cities\n"
+    "  line [--format NAME] [--at INSTANT] [--genmon]\n"
+    "                                        print the tray line of the pinned cities\n"
+    "                                        (--genmon: for Xfce's Generic Monitor)\n"
     "  watch [--format NAME] [--json]        print it again at every tick, until stopped\n"
     "  list [--json]                         list the saved cities\n"
     "  add IDENTIFIER [--nickname TEXT] [--pin]\n"
@@ -99,6 +101,23 @@ QString compactJson(const QJsonValue &value)
     if (value.isArray())
         return QString::fromUtf8(QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact));
     return QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
+}
+
+// For Xfce's Generic Monitor: the line (or the globe when it is empty), every
+// city in the tooltip, and a click that opens the panel. Its texts are Pango
+// markup and its click a shell-like command line.
+QString genmonOutput(const QString &line, const QString &cities, const QString &program)
+{
+    QString quoted = program;
+    quoted.replace(u'\'', QLatin1String("'\\''"));
+    const QString click = u'\'' + quoted + QStringLiteral("' --panel");
+    QString output = line.isEmpty() ? QStringLiteral("<icon>io.github.zonara.Zonara-symbolic</icon>"
+                                                     "<iconclick>%1</iconclick>")
+                                          .arg(click)
+                                    : QStringLiteral("<txt>%1</txt><txtclick>%2</txtclick>")
+                                          .arg(line.toHtmlEscaped(), click);
+    return output + QStringLiteral("<tool>%1</tool>")
+                        .arg(cities.isEmpty() ? QStringLiteral("Zonara") : cities.toHtmlEscaped());
 }
 
 QString describe(const SavedZone &zone)
@@ -206,6 +225,7 @@ int CommandLine::dispatch(const QStringList &arguments)
     const QCommandLineOption formatOption(QStringLiteral("format"), QString(),
                                           QStringLiteral("NAME"));
     const QCommandLineOption atOption(QStringLiteral("at"), QString(), QStringLiteral("INSTANT"));
+    const QCommandLineOption genmonOption(QStringLiteral("genmon"));
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption nicknameOption(QStringLiteral("nickname"), QString(),
                                             QStringLiteral("TEXT"));
@@ -214,7 +234,7 @@ int CommandLine::dispatch(const QStringList &arguments)
                                           QStringLiteral("ZONE"));
     const QCommandLineOption toEndOption(QStringLiteral("to-end"));
     const QList<Entry> commands{
-        {u"line", &CommandLine::line, {formatOption, atOption}},
+        {u"line", &CommandLine::line, {formatOption, atOption, genmonOption}},
         {u"watch", &CommandLine::watch, {formatOption, jsonOption}},
         {u"list", &CommandLine::list, {jsonOption}},
         {u"add", &CommandLine::add, {nicknameOption, pinOption}},
@@ -360,7 +380,12 @@ int CommandLine::line(QCommandLineParser &parser)
     const std::optional<QList<SavedZone>> zones = editor(false).zones();
     if (!zones)
         return editResult(int(ZoneEditor::Result::Unreachable));
-    return print(MenuBarFormatter::string(*zones, *format, at, TimeZoneDatabase::localZone()));
+    const QTimeZone local = TimeZoneDatabase::localZone();
+    const QString text = MenuBarFormatter::string(*zones, *format, at, local);
+    if (!parser.isSet(QStringLiteral("genmon")))
+        return print(text);
+    return print(genmonOutput(text, CityTimes::summary(*zones, *format, at, local),
+                              QCoreApplication::applicationFilePath()));
 }
 
 int CommandLine::watch(QCommandLineParser &parser)

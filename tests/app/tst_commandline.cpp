@@ -35,6 +35,8 @@ private Q_SLOTS:
     void lineInEveryFormat_data();
     void lineInEveryFormat();
     void lineUsesStoredFormat();
+    void lineForGenmon_data();
+    void lineForGenmon();
     void lineFollowsLocalZone_data();
     void lineFollowsLocalZone();
     void nothingPinnedPrintsEmptyLine();
@@ -168,6 +170,45 @@ void TestCommandLine::lineUsesStoredFormat()
     const Result result = run({QStringLiteral("line"), QStringLiteral("--at"), mondayEvening});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.out, QStringLiteral("NYC 8:00p  LON 1:00a  Tokyo office 10:00a\n"));
+}
+
+void TestCommandLine::lineForGenmon_data()
+{
+    QTest::addColumn<bool>("pinned");
+    QTest::addColumn<QString>("shown"); // the tags before the tooltip
+    const QString click = QStringLiteral("'" ZONARA_BINARY "' --panel");
+    QTest::newRow("the line, as markup")
+        << true
+        << "<txt>NYC 20:00  LON 01:00  R&amp;D &lt;Ops&gt; 10:00</txt><txtclick>" + click +
+               "</txtclick>";
+    QTest::newRow("nothing pinned: the globe")
+        << false
+        << "<icon>io.github.zonara.Zonara-symbolic</icon><iconclick>" + click + "</iconclick>";
+}
+
+void TestCommandLine::lineForGenmon()
+{
+    QFETCH(bool, pinned);
+    QFETCH(QString, shown);
+    QList<SavedZone> zones = workedExampleZones();
+    zones[3].customLabel = QStringLiteral("R&D <Ops>");
+    for (SavedZone &zone : zones)
+        zone.isPinned = zone.isPinned && pinned;
+    saveZones(zones);
+    const Result result = run({QStringLiteral("line"), QStringLiteral("--at"), mondayEvening,
+                               QStringLiteral("--genmon")});
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.out.startsWith(shown + QStringLiteral("<tool>")), qPrintable(result.out));
+    QVERIFY(result.out.endsWith(QStringLiteral("</tool>\n")));
+    // Every city in the tooltip, pinned ones first.
+    const QString tooltip = result.out.sliced(shown.size() + 6).chopped(8);
+    // "London 01:00 · GMT · +6h, tomorrow": the name before the time.
+    const QRegularExpression time(QStringLiteral(" \\d\\d:\\d\\d$"));
+    QStringList names;
+    for (const QString &line : tooltip.split(u'\n'))
+        names.append(line.section(QStringLiteral(" · "), 0, 0).remove(time));
+    QCOMPARE(names, pinned ? QStringList({"New York", "London", "R&amp;D &lt;Ops&gt;", "Paris"})
+                           : QStringList({"New York", "Paris", "London", "R&amp;D &lt;Ops&gt;"}));
 }
 
 void TestCommandLine::lineFollowsLocalZone_data()

@@ -66,7 +66,7 @@ _zonara()
 
     local options=""
     case $command in
-    line) options="--format --at" ;;
+    line) options="--format --at --genmon" ;;
     watch) options="--format --json" ;;
     list | search) options="--json" ;;
     add) options="--nickname --pin" ;;

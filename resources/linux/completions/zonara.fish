@@ -37,6 +37,7 @@ complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a format -d '
 
 complete -c zonara -n "__fish_seen_subcommand_from line watch" -l format -x -a "$formats" -d 'Line format'
 complete -c zonara -n "__fish_seen_subcommand_from line" -l at -x -d 'ISO 8601 date and time with an offset'
+complete -c zonara -n "__fish_seen_subcommand_from line" -l genmon -d "Output for Xfce's Generic Monitor"
 complete -c zonara -n "__fish_seen_subcommand_from watch list search" -l json -d 'Print JSON'
 complete -c zonara -n "__fish_seen_subcommand_from add" -l nickname -x -d Nickname
 complete -c zonara -n "__fish_seen_subcommand_from add" -l pin -d 'Pin the city'
