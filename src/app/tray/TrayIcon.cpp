@@ -3,6 +3,7 @@
 #include "DBusMenuExporter.h"
 #include "GlobeIcon.h"
 #include "StatusNotifierItem.h"
+#include "XEmbedTrayWatcher.h"
 
 #include <QCursor>
 #include <QMenu>
@@ -64,6 +65,16 @@ TrayIcon::TrayIcon(const QDBusConnection &bus, QObject *parent)
     m_fallbackTimer->setSingleShot(true);
     m_fallbackTimer->setInterval(fallbackDelayMs);
     connect(m_fallbackTimer, &QTimer::timeout, this, &TrayIcon::updateKind);
+
+    // A tray that comes later is taken at once; one that goes may be a
+    // restarting panel, given the same grace as a vanished watcher.
+    m_xembedTrays = new XEmbedTrayWatcher(this);
+    connect(m_xembedTrays, &XEmbedTrayWatcher::trayChanged, this, [this] {
+        if (m_xembedTrays->hasTray())
+            updateKind();
+        else if (m_kind == Kind::XEmbed)
+            m_fallbackTimer->start();
+    });
 
     updateKind();
 }
@@ -165,7 +176,8 @@ void TrayIcon::updateKind()
     Kind kind = Kind::None;
     if (m_item->isExported() && m_item->isHosted())
         kind = Kind::StatusNotifierItem;
-    else if (QSystemTrayIcon::isSystemTrayAvailable())
+    else if (m_xembedTrays->isWatching() ? m_xembedTrays->hasTray()
+                                         : QSystemTrayIcon::isSystemTrayAvailable())
         kind = Kind::XEmbed;
 
     if (kind == Kind::XEmbed)

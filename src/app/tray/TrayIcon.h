@@ -14,6 +14,7 @@ class QMenu;
 class QSystemTrayIcon;
 class QTimer;
 class StatusNotifierItem;
+class XEmbedTrayWatcher;
 
 // The app's presence in the panel: our own StatusNotifierItem while a watcher
 // is on the bus, else a QSystemTrayIcon (XEmbed) where the desktop has one.
@@ -80,6 +81,7 @@ private:
     StatusNotifierItem *m_item = nullptr;
     QSystemTrayIcon *m_fallback = nullptr;
     QTimer *m_fallbackTimer = nullptr;
+    XEmbedTrayWatcher *m_xembedTrays = nullptr;
     Kind m_kind = Kind::None;
     QString m_text;
 };
