@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Screenshots of the tray item in a headless StatusNotifierItem panel: one with
-# a line of pinned times (tray-line.png), one with the globe alone (tray-globe.png).
+# a line of pinned times (tray-line.png), its menu opened by a left click
+# (tray-menu.png, --app only), one with the globe alone (tray-globe.png).
 #
 #   tools/tray-screenshot.sh [--app | --demo] [OUTDIR]
 #
@@ -51,6 +52,8 @@ cleanup() {
 }
 trap cleanup EXIT
 
+# Tall enough for the opened menu.
+export SNI_PANEL_SCREEN=${SNI_PANEL_SCREEN:-1280x400x24}
 eval "$("$panel" start)"
 
 watcher_items() {
@@ -99,6 +102,12 @@ if [ "$mode" = app ]; then
     wait_registered
     echo "line: $(item_label)"
     "$panel" shot "$out/tray-line.png"
+    # A left click opens the item's menu in this host: the cities, then the commands.
+    "$app" add America/New_York >/dev/null
+    xdotool mousemove 12 16 click 1
+    sleep 1.5
+    import -window root "$out/tray-menu.png"
+    xdotool key Escape
     # Edits go to the running instance over the bus.
     "$app" unpin Stockholm >/dev/null
     "$app" unpin Tokyo >/dev/null

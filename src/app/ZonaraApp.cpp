@@ -53,9 +53,9 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, SingleInstance::Request request, 
     connect(m_tray.get(), &TrayIcon::kindChanged, this, &ZonaraApp::followTrayKind);
     connect(m_tray.get(), &TrayIcon::cityChosen, this, &ZonaraApp::copyTime);
     m_tray->setCityList([this] { return menuCities(); });
-    connect(&m_clock, &Clock::nowChanged, m_tray.get(), &TrayIcon::refreshCities);
-    connect(&m_store, &ZoneStore::zonesChanged, m_tray.get(), &TrayIcon::refreshCities);
-    connect(&m_store, &ZoneStore::formatChanged, m_tray.get(), &TrayIcon::refreshCities);
+    connect(&m_clock, &Clock::nowChanged, m_tray.get(), &TrayIcon::updateCityTimes);
+    connect(&m_store, &ZoneStore::zonesChanged, m_tray.get(), &TrayIcon::reloadCities);
+    connect(&m_store, &ZoneStore::formatChanged, m_tray.get(), &TrayIcon::reloadCities);
     updateTray();
     followTrayKind();
 

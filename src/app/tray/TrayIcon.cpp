@@ -99,7 +99,12 @@ void TrayIcon::setCityList(CityList cities)
     updateMenus(true);
 }
 
-void TrayIcon::refreshCities()
+void TrayIcon::reloadCities()
+{
+    updateMenus(true);
+}
+
+void TrayIcon::updateCityTimes()
 {
     updateMenus(false);
 }

@@ -47,10 +47,12 @@ public:
     Kind kind() const { return m_kind; }
 
     // The cities both menus list above their commands, pinned ones first.
-    // Asked for when a menu is about to show and, while one is open, on
-    // refreshCities(); a closed menu costs nothing.
+    // Asked for when a menu is about to show, on reloadCities(), and on
+    // updateCityTimes() only while a menu is open: a closed one costs nothing
+    // as the minutes pass, yet opens at its full size.
     void setCityList(CityList cities);
-    void refreshCities();
+    void reloadCities();
+    void updateCityTimes();
 
     // The line of pinned times; an empty text shows the globe icon alone.
     // accessibleName is "Zonara" for the globe, else "Zonara, " + text (the caller computes it).

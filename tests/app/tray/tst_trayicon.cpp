@@ -328,14 +328,18 @@ void TestTrayIcon::menuClickEmitsItsSignal()
     // until it is about to show again.
     event(0, QStringLiteral("opened"));
     minute = QStringLiteral("06");
-    m_tray->refreshCities();
+    m_tray->updateCityTimes();
     QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:06"));
     event(0, QStringLiteral("closed"));
     minute = QStringLiteral("07");
-    m_tray->refreshCities();
+    m_tray->updateCityTimes();
     QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:06"));
     QVERIFY(menuCall(QStringLiteral("AboutToShow"), {0}).arguments().value(0).toBool());
     QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:07"));
+    // A changed list reaches a closed menu at once, so it opens at its full size.
+    minute = QStringLiteral("08");
+    m_tray->reloadCities();
+    QCOMPARE(labels().labels().at(0), QStringLiteral("Tokyo 22:08"));
 }
 
 void TestTrayIcon::noWatcherAndNoTrayMeansNoneUntilOneAppears()
