@@ -1,0 +1,162 @@
+#include "TimeShift.h"
+
+#include <QTest>
+
+namespace {
+
+QDateTime utc(const char *iso)
+{
+    return QDateTime::fromString(QString::fromLatin1(iso), Qt::ISODate)
+        .toTimeZone(QTimeZone::utc());
+}
+
+} // namespace
+
+class TestTimeShift final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void parseTime_data();
+    void parseTime();
+    void instantAt_data();
+    void instantAt();
+    void distanceText_data();
+    void distanceText();
+    void stripText();
+    void upcomingChange_data();
+    void upcomingChange();
+};
+
+void TestTimeShift::parseTime_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected"); // "HH:mm", or empty for no time
+    const QList<std::pair<const char *, const char *>> rows{
+        {"15:00", "15:00"}, {" 9:30 ", "09:30"}, {"0930", "09:30"},
+        {"930", "09:30"},   {"15", "15:00"},     {"3pm", "15:00"},
+        {"3 PM", "15:00"},  {"9:30a", "09:30"},  {"12 am", "00:00"},
+        {"12pm", "12:00"},  {"3 p.m.", "15:00"}, {"7.45", "07:45"},
+        {"24:00", ""},      {"13pm", ""},        {"0am", ""},
+        {"9:60", ""},       {"noon", ""},        {"", ""},
+        {"1:2", ""},        {"3pmx", ""},
+    };
+    for (const auto &[text, expected] : rows)
+        QTest::newRow(text) << QString::fromLatin1(text) << QString::fromLatin1(expected);
+}
+
+void TestTimeShift::parseTime()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    const std::optional<QTime> time = TimeShift::parseTime(text);
+    QCOMPARE(time ? time->toString(QStringLiteral("HH:mm")) : QString(), expected);
+}
+
+void TestTimeShift::instantAt_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDate>("date");
+    QTest::addColumn<QString>("time");
+    QTest::addColumn<QDateTime>("expected");
+    QTest::newRow("no change near")
+        << QByteArray("Asia/Tokyo") << QDate(2026, 3, 10) << "15:00" << utc("2026-03-10T06:00:00Z");
+    // New York has moved its clocks, London not yet: five hours apart become four.
+    QTest::newRow("between the US and EU changes")
+        << QByteArray("America/New_York") << QDate(2026, 3, 10) << "09:00"
+        << utc("2026-03-10T13:00:00Z");
+    QTest::newRow("skipped: the end of the gap")
+        << QByteArray("America/New_York") << QDate(2026, 3, 8) << "02:30"
+        << utc("2026-03-08T07:00:00Z");
+    QTest::newRow("skipped, half an hour of summer time")
+        << QByteArray("Australia/Lord_Howe") << QDate(2026, 10, 4) << "02:10"
+        << utc("2026-10-03T15:30:00Z");
+    QTest::newRow("shown twice: the earlier")
+        << QByteArray("America/New_York") << QDate(2026, 11, 1) << "01:30"
+        << utc("2026-11-01T05:30:00Z");
+    QTest::newRow("shown twice in London") << QByteArray("Europe/London") << QDate(2026, 10, 25)
+                                           << "01:15" << utc("2026-10-25T00:15:00Z");
+    QTest::newRow("just after the repeat") << QByteArray("Europe/London") << QDate(2026, 10, 25)
+                                           << "02:00" << utc("2026-10-25T02:00:00Z");
+}
+
+void TestTimeShift::instantAt()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDate, date);
+    QFETCH(QString, time);
+    QFETCH(QDateTime, expected);
+    const QTimeZone timeZone(zone);
+    const QDateTime instant =
+        TimeShift::instantAt(date, QTime::fromString(time, QStringLiteral("HH:mm")), timeZone);
+    QCOMPARE(instant, expected);
+    // A typed time on the day a clock shows lands on that day in that zone.
+    const QDateTime typed =
+        TimeShift::instantForTypedTime(QDateTime(date, QTime(23, 59), timeZone),
+                                       QTime::fromString(time, QStringLiteral("HH:mm")), timeZone);
+    QCOMPARE(typed, expected);
+}
+
+void TestTimeShift::distanceText_data()
+{
+    QTest::addColumn<qint64>("seconds");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("under half a minute") << qint64(29) << "now";
+    QTest::newRow("three hours") << qint64(3 * 3600) << "+3 h";
+    QTest::newRow("back 45 minutes") << qint64(-45 * 60) << "-45 min";
+    QTest::newRow("an hour and a half, rounded") << qint64(90 * 60 + 31) << "+1 h 31 min";
+    QTest::newRow("days drop the minutes") << qint64((2 * 24 + 4) * 3600 + 600) << "+2 d 4 h";
+    QTest::newRow("a whole day back") << qint64(-86400) << "-1 d";
+}
+
+void TestTimeShift::distanceText()
+{
+    QFETCH(qint64, seconds);
+    QFETCH(QString, expected);
+    QCOMPARE(TimeShift::distanceText(seconds), expected);
+}
+
+void TestTimeShift::stripText()
+{
+    // Now is Tuesday 12:00 in Tokyo; three hours on, across midnight in UTC.
+    const QDateTime now = utc("2026-03-10T03:00:00Z");
+    const QDateTime moment = now.addSecs(3 * 3600);
+    const QTimeZone tokyo("Asia/Tokyo");
+    QCOMPARE(TimeShift::stripText(now, moment, QStringLiteral("Tokyo"), tokyo,
+                                  MenuBarFormat::labelTime24),
+             QStringLiteral("+3 h · Tue 15:00 in Tokyo"));
+    QCOMPARE(TimeShift::stripText(now, now.addSecs(-13 * 3600), QStringLiteral("Tokyo"), tokyo,
+                                  MenuBarFormat::labelTime12),
+             QStringLiteral("-13 h · Mon 11:00p in Tokyo"));
+}
+
+void TestTimeShift::upcomingChange_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDateTime>("from");
+    QTest::addColumn<QString>("notice"); // empty: no change within 7 days
+    // New York falls back at 06:00 UTC on Sunday 1 November 2026.
+    QTest::newRow("seven days before")
+        << QByteArray("America/New_York") << utc("2026-10-25T06:00:00Z") << "clocks go back Sun";
+    QTest::newRow("a minute more than seven days")
+        << QByteArray("America/New_York") << utc("2026-10-25T05:59:00Z") << "";
+    QTest::newRow("eight days before")
+        << QByteArray("America/New_York") << utc("2026-10-24T06:00:00Z") << "";
+    QTest::newRow("spring in London")
+        << QByteArray("Europe/London") << utc("2026-03-27T12:00:00Z") << "clocks go forward Sun";
+    QTest::newRow("no daylight saving")
+        << QByteArray("Asia/Tokyo") << utc("2026-10-30T00:00:00Z") << "";
+}
+
+void TestTimeShift::upcomingChange()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDateTime, from);
+    QFETCH(QString, notice);
+    const QTimeZone timeZone(zone);
+    const std::optional<TimeShift::OffsetChange> change = TimeShift::upcomingChange(timeZone, from);
+    QCOMPARE(change ? TimeShift::changeNotice(*change, timeZone) : QString(), notice);
+}
+
+QTEST_GUILESS_MAIN(TestTimeShift)
+#include "tst_timeshift.moc"
