@@ -2,6 +2,7 @@
 
 #include "MenuBarFormatter.h"
 #include "PosixTimeFormat.h"
+#include "TimeZoneDatabase.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -90,6 +91,22 @@ QString stripText(const QDateTime &now, const QDateTime &moment, const QString &
            PosixTimeFormat::format(moment, cityZone, u"EEE") + u' ' +
            MenuBarFormatter::timeString(format, moment, cityZone) + QStringLiteral(" in ") +
            cityName;
+}
+
+QString copyAllText(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &moment,
+                    const QTimeZone &localZone)
+{
+    QStringList parts;
+    for (const SavedZone &zone : zones) {
+        const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier);
+        if (!timeZone)
+            continue;
+        QString part = zone.displayName() + u' ';
+        if (const auto day = MenuBarFormatter::daySuffixIfDifferent(moment, *timeZone, localZone))
+            part += *day + u' ';
+        parts.append(part + MenuBarFormatter::timeString(format, moment, *timeZone));
+    }
+    return parts.join(QStringLiteral(" · "));
 }
 
 std::optional<OffsetChange> upcomingChange(const QTimeZone &zone, const QDateTime &from, int days)

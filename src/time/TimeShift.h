@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MenuBarFormat.h"
+#include "SavedZone.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -36,6 +37,12 @@ QString distanceText(qint64 seconds);
 // the line's format.
 QString stripText(const QDateTime &now, const QDateTime &moment, const QString &cityName,
                   const QTimeZone &cityZone, MenuBarFormat format);
+
+// Every city at the moment, for pasting into a message: "Tokyo Tue 15:00 ·
+// London 07:00 · New York 02:00", the weekday where a city's date is not the
+// local one. Zones the database does not know are left out.
+QString copyAllText(const QList<SavedZone> &zones, MenuBarFormat format, const QDateTime &moment,
+                    const QTimeZone &localZone);
 
 struct OffsetChange
 {

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void distanceText_data();
     void distanceText();
     void stripText();
+    void copyAllText();
     void upcomingChange_data();
     void upcomingChange();
 };
@@ -128,6 +129,19 @@ void TestTimeShift::stripText()
     QCOMPARE(TimeShift::stripText(now, now.addSecs(-13 * 3600), QStringLiteral("Tokyo"), tokyo,
                                   MenuBarFormat::labelTime12),
              QStringLiteral("-13 h · Mon 11:00p in Tokyo"));
+}
+
+void TestTimeShift::copyAllText()
+{
+    const auto zone = [](const char *identifier, std::optional<QString> nickname = {}) {
+        return SavedZone{QUuid::createUuid(), QString::fromLatin1(identifier), nickname, false};
+    };
+    // Tuesday 03:00 in UTC, the local zone: Tokyo is on Tuesday too, New York still on Monday.
+    QCOMPARE(TimeShift::copyAllText(
+                 {zone("Asia/Tokyo"), zone("Nowhere/Atlantis"),
+                  zone("Europe/London", QStringLiteral("Mum")), zone("America/New_York")},
+                 MenuBarFormat::labelTime24, utc("2026-03-10T03:00:00Z"), QTimeZone::utc()),
+             QStringLiteral("Tokyo 12:00 · Mum 03:00 · New York Mon 23:00"));
 }
 
 void TestTimeShift::upcomingChange_data()
