@@ -2,6 +2,8 @@
 
 #include "StatusNotifierItem.h"
 
+#include <QIcon>
+
 StatusNotifierItemAdaptor::StatusNotifierItemAdaptor(StatusNotifierItem *item)
     : QDBusAbstractAdaptor(item)
     , m_item(item)
@@ -14,7 +16,9 @@ QString StatusNotifierItemAdaptor::id() const
 
 QString StatusNotifierItemAdaptor::iconName() const
 {
-    return StatusNotifierItem::iconName;
+    // Hosts prefer a name to the pixmaps even when their theme lacks it.
+    return QIcon::hasThemeIcon(StatusNotifierItem::iconName) ? StatusNotifierItem::iconName
+                                                             : QString();
 }
 
 QString StatusNotifierItemAdaptor::title() const
