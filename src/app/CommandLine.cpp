@@ -510,7 +510,8 @@ int CommandLine::add(QCommandLineParser &parser)
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() != 1)
         return usageError(QStringLiteral("\"add\" takes one time zone, such as Europe/Stockholm"));
-    const QString identifier = arguments.constFirst();
+    // An old name (Asia/Calcutta) is saved as the zone it stands for.
+    const QString identifier = TimeZoneDatabase::canonicalIdentifier(arguments.constFirst());
     if (!TimeZoneDatabase::resolves(identifier)) {
         QList<ZoneSearchResult> found = ZoneChoices::results(identifier);
         if (found.isEmpty())

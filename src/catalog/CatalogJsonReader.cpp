@@ -25,14 +25,20 @@ int hexValue(char c)
 
 } // namespace
 
-std::optional<QList<CityEntry>> CatalogJsonReader::read(QByteArrayView json)
+std::optional<QList<CityEntry>> CatalogJsonReader::read(QByteArrayView json,
+                                                        CityOtherNames *otherNames)
 {
     if (json.size() > maximumSize)
         return std::nullopt;
     CatalogJsonReader reader(json);
     QList<CityEntry> cities;
-    if (!reader.readCatalogue(cities))
+    CityOtherNames names;
+    if (!reader.readCatalogue(cities, otherNames ? &names : nullptr))
         return std::nullopt;
+    if (otherNames) {
+        names.squeeze();
+        *otherNames = std::move(names);
+    }
     return cities;
 }
 
@@ -43,7 +49,7 @@ CatalogJsonReader::CatalogJsonReader(QByteArrayView json)
     // refuses it too, so neither do we skip it.
 }
 
-bool CatalogJsonReader::readCatalogue(QList<CityEntry> &cities)
+bool CatalogJsonReader::readCatalogue(QList<CityEntry> &cities, CityOtherNames *otherNames)
 {
     // Identifiers and countries repeat across thousands of cities; sharing
     // one copy of each keeps the resident catalogue much smaller.
@@ -53,6 +59,7 @@ bool CatalogJsonReader::readCatalogue(QList<CityEntry> &cities)
         return known != pool.cend() ? *known : *pool.insert(text);
     };
 
+    QList<QString> names;
     skipWhiteSpace();
     if (!consume('['))
         return false;
@@ -61,10 +68,13 @@ bool CatalogJsonReader::readCatalogue(QList<CityEntry> &cities)
         do {
             skipWhiteSpace();
             CityEntry entry;
-            if (!readEntry(entry))
+            names.clear();
+            if (!readEntry(entry, otherNames ? &names : nullptr))
                 return false;
             entry.identifier = pooled(entry.identifier);
             entry.country = pooled(entry.country);
+            for (const QString &name : std::as_const(names))
+                otherNames->append(cities.size(), name);
             cities.append(std::move(entry));
             skipWhiteSpace();
         } while (consume(','));
@@ -75,7 +85,7 @@ bool CatalogJsonReader::readCatalogue(QList<CityEntry> &cities)
     return atEnd();
 }
 
-bool CatalogJsonReader::readEntry(CityEntry &entry)
+bool CatalogJsonReader::readEntry(CityEntry &entry, QList<QString> *names)
 {
     if (!consume('{'))
         return false;
@@ -103,6 +113,11 @@ bool CatalogJsonReader::readEntry(CityEntry &entry)
             } else if (key == u"country") {
                 target = &entry.country;
                 hasCountry = true;
+            } else if (names && key == u"otherNames") {
+                if (!readNames(*names))
+                    return false;
+                skipWhiteSpace();
+                continue;
             }
             // One of ours must be a string; anything else is skipped, but read.
             if (target ? !readString(target) : !skipValue(1))
@@ -113,6 +128,31 @@ bool CatalogJsonReader::readEntry(CityEntry &entry)
             return false;
     }
     return hasName && hasIdentifier && hasCountry;
+}
+
+bool CatalogJsonReader::readNames(QList<QString> &names)
+{
+    // A repeated member counts once, as for the other members: the last wins.
+    names.clear();
+    if (peek() != '[')
+        return skipValue(1);
+    ++m_position;
+    skipWhiteSpace();
+    if (consume(']'))
+        return true;
+    do {
+        skipWhiteSpace();
+        if (peek() == '"') {
+            QString name;
+            if (!readString(&name))
+                return false;
+            names.append(std::move(name));
+        } else if (!skipValue(2)) {
+            return false;
+        }
+        skipWhiteSpace();
+    } while (consume(','));
+    return consume(']');
 }
 
 bool CatalogJsonReader::skipValue(int depth)

@@ -18,6 +18,22 @@ QString executableDirectory()
     return QFileInfo(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath()).path();
 }
 
+struct Catalogue
+{
+    QList<CityEntry> cities;
+    CityOtherNames otherNames;
+};
+
+const Catalogue &sharedCatalogue()
+{
+    static const Catalogue catalogue = [] {
+        Catalogue read;
+        read.cities = CityCatalog::load(CityCatalog::fileName(), &read.otherNames);
+        return read;
+    }();
+    return catalogue;
+}
+
 } // namespace
 
 namespace CityCatalog {
@@ -32,17 +48,21 @@ QString fileName()
 
 const QList<CityEntry> &shared()
 {
-    static const QList<CityEntry> cities = load(fileName());
-    return cities;
+    return sharedCatalogue().cities;
+}
+
+const CityOtherNames &sharedOtherNames()
+{
+    return sharedCatalogue().otherNames;
 }
 
 const FoldedCities &sharedFolded()
 {
-    static const FoldedCities folded(shared());
+    static const FoldedCities folded(shared(), sharedOtherNames());
     return folded;
 }
 
-QList<CityEntry> load(const QString &fileName)
+QList<CityEntry> load(const QString &fileName, CityOtherNames *otherNames)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
@@ -50,14 +70,18 @@ QList<CityEntry> load(const QString &fileName)
     // Mapping spares a copy of the whole file; the decoded text does not
     // refer back to it.
     if (const uchar *mapped = file.map(0, file.size())) {
-        return decode(QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), file.size()));
+        return decode(QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), file.size()),
+                      otherNames);
     }
-    return decode(file.readAll());
+    return decode(file.readAll(), otherNames);
 }
 
-QList<CityEntry> decode(const QByteArray &json)
+QList<CityEntry> decode(const QByteArray &json, CityOtherNames *otherNames)
 {
-    return CatalogJsonReader::read(json).value_or(QList<CityEntry>());
+    std::optional<QList<CityEntry>> cities = CatalogJsonReader::read(json, otherNames);
+    if (!cities && otherNames)
+        *otherNames = {};
+    return cities.value_or(QList<CityEntry>());
 }
 
 } // namespace CityCatalog

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CityEntry.h"
+#include "CityOtherNames.h"
 
 #include <QByteArray>
 #include <QList>
@@ -25,10 +26,14 @@ QString fileName();
 // All cities in file order, read on first use (safe from any thread).
 const QList<CityEntry> &shared();
 
+// The other names of shared()'s cities, read with them.
+const CityOtherNames &sharedOtherNames();
+
 // shared(), folded for the fast search; built once on first use.
 const FoldedCities &sharedFolded();
 
-QList<CityEntry> load(const QString &fileName);
-QList<CityEntry> decode(const QByteArray &json);
+// The cities of a file; their other names too when `otherNames` is given.
+QList<CityEntry> load(const QString &fileName, CityOtherNames *otherNames = nullptr);
+QList<CityEntry> decode(const QByteArray &json, CityOtherNames *otherNames = nullptr);
 
 } // namespace CityCatalog

@@ -14,8 +14,9 @@ qsizetype intern(const QString &text, QHash<QString, qsizetype> &numbers, QStrin
 
 } // namespace
 
-FoldedCities::FoldedCities(const QList<CityEntry> &cities)
+FoldedCities::FoldedCities(const QList<CityEntry> &cities, const CityOtherNames &otherNames)
     : m_cities(cities)
+    , m_otherNames(otherNames)
 {
     QStringList names;
     QStringList countries;
@@ -32,6 +33,11 @@ FoldedCities::FoldedCities(const QList<CityEntry> &cities)
     m_names = FoldedTextTable(names);
     m_countries = FoldedTextTable(countries);
     m_identifiers = FoldedTextTable(identifiers);
+    QStringList other;
+    other.reserve(otherNames.size());
+    for (qsizetype i = 0; i < otherNames.size(); ++i)
+        other.append(otherNames.name(i).toString());
+    m_foldedOtherNames = FoldedTextTable(other);
 }
 
 qsizetype FoldedCities::indexOfIdentifier(const QString &identifier) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CityEntry.h"
+#include "CityOtherNames.h"
 #include "FoldedTextTable.h"
 
 #include <QHash>
@@ -13,7 +14,7 @@ class FoldedCities final
 {
 public:
     FoldedCities() = default;
-    explicit FoldedCities(const QList<CityEntry> &cities);
+    explicit FoldedCities(const QList<CityEntry> &cities, const CityOtherNames &otherNames = {});
 
     const QList<CityEntry> &cities() const { return m_cities; }
     qsizetype size() const { return m_cities.size(); }
@@ -21,6 +22,9 @@ public:
     const FoldedTextTable &names() const { return m_names; }
     const FoldedTextTable &countries() const { return m_countries; }
     const FoldedTextTable &identifiers() const { return m_identifiers; }
+    // Text i is otherNames().name(i), folded.
+    const FoldedTextTable &foldedOtherNames() const { return m_foldedOtherNames; }
+    const CityOtherNames &otherNames() const { return m_otherNames; }
 
     // Index into countries() / identifiers() of city `city`'s field.
     qsizetype countryIndex(qsizetype city) const { return m_countryIndex[city]; }
@@ -34,6 +38,8 @@ private:
     FoldedTextTable m_names;
     FoldedTextTable m_countries;
     FoldedTextTable m_identifiers;
+    CityOtherNames m_otherNames;
+    FoldedTextTable m_foldedOtherNames;
     QList<qsizetype> m_countryIndex;
     QList<qsizetype> m_identifierIndex;
     QHash<QString, qsizetype> m_identifierLookup;

@@ -1,16 +1,28 @@
 #include "FoldedIdentifiers.h"
 
-#include <QSet>
+#include <algorithm>
 
-FoldedIdentifiers::FoldedIdentifiers(const QStringList &identifiers)
-    : m_identifiers(identifiers)
-    , m_folded(identifiers)
+FoldedIdentifiers::FoldedIdentifiers(const QStringList &identifiers,
+                                     const QHash<QString, QString> &links)
+    : m_names(identifiers)
 {
-    QSet<QString> seen;
-    m_firstOccurrence.reserve(identifiers.size());
-    for (const QString &identifier : identifiers) {
-        const qsizetype before = seen.size();
-        seen.insert(identifier);
-        m_firstOccurrence.append(seen.size() != before);
+    QHash<QString, qsizetype> first;
+    m_zoneIndex.reserve(identifiers.size() + links.size());
+    for (qsizetype i = 0; i < identifiers.size(); ++i) {
+        auto known = first.constFind(identifiers[i]);
+        if (known == first.cend())
+            known = first.insert(identifiers[i], i);
+        m_zoneIndex.append(known.value());
     }
+
+    QStringList linkNames = links.keys();
+    std::sort(linkNames.begin(), linkNames.end());
+    for (const QString &link : std::as_const(linkNames)) {
+        const qsizetype zone = first.value(links.value(link), -1);
+        if (zone < 0 || first.contains(link))
+            continue;
+        m_names.append(link);
+        m_zoneIndex.append(zone);
+    }
+    m_folded = FoldedTextTable(m_names);
 }

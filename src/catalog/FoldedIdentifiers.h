@@ -2,27 +2,33 @@
 
 #include "FoldedTextTable.h"
 
+#include <QHash>
 #include <QList>
 #include <QStringList>
 
 // The known time-zone identifiers with their folded forms, built once for the
-// fast search.
+// fast search, followed by the old names (links) of those zones.
 class FoldedIdentifiers final
 {
 public:
     FoldedIdentifiers() = default;
-    explicit FoldedIdentifiers(const QStringList &identifiers);
+    // `links` maps an old name to the known identifier it stands for; links
+    // to anything else are left out.
+    explicit FoldedIdentifiers(const QStringList &identifiers,
+                               const QHash<QString, QString> &links = {});
 
-    const QStringList &identifiers() const { return m_identifiers; }
-    qsizetype size() const { return m_identifiers.size(); }
+    // The identifiers, then the links in code-point order.
+    const QStringList &names() const { return m_names; }
+    qsizetype size() const { return m_names.size(); }
     const FoldedTextTable &folded() const { return m_folded; }
 
-    // False for a repeat of an identifier listed earlier; the search never
-    // lists the same identifier twice.
-    bool isFirstOccurrence(qsizetype index) const { return m_firstOccurrence[index]; }
+    // Where in names() the zone that name `index` stands for first appears:
+    // `index` itself for an identifier's first occurrence, an earlier index
+    // for a repeat or a link. The search lists each zone once.
+    qsizetype zoneIndex(qsizetype index) const { return m_zoneIndex[index]; }
 
 private:
-    QStringList m_identifiers;
+    QStringList m_names;
     FoldedTextTable m_folded;
-    QList<bool> m_firstOccurrence;
+    QList<qsizetype> m_zoneIndex;
 };

@@ -2,7 +2,43 @@
 
 #include "TextFolding.h"
 
+#include <QtAlgorithms>
+
 #include <algorithm>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+// The first p in [from, last) with data[p] == first and data[p + 1] == second,
+// or -1; data[last] must be readable. A pair of code units is far rarer than
+// either alone, so this leaves few candidates to confirm.
+qsizetype findPair(const char16_t *data, qsizetype from, qsizetype last, char16_t first,
+                   char16_t second)
+{
+    qsizetype p = from;
+#ifdef __SSE2__
+    const __m128i wantFirst = _mm_set1_epi16(short(first));
+    const __m128i wantSecond = _mm_set1_epi16(short(second));
+    for (; p + 8 <= last; p += 8) {
+        const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i *>(data + p));
+        const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i *>(data + p + 1));
+        const int mask = _mm_movemask_epi8(
+            _mm_and_si128(_mm_cmpeq_epi16(here, wantFirst), _mm_cmpeq_epi16(next, wantSecond)));
+        if (mask != 0)
+            return p + qCountTrailingZeroBits(uint(mask)) / 2;
+    }
+#endif
+    for (; p < last; ++p) {
+        if (data[p] == first && data[p + 1] == second)
+            return p;
+    }
+    return -1;
+}
+
+} // namespace
 
 FoldedTextTable::FoldedTextTable(const QStringList &texts)
 {
@@ -49,21 +85,31 @@ QList<bool> FoldedTextTable::matches(QStringView foldedNeedle, qsizetype first,
         return result;
     }
 
-    // Candidates are found by the needle's rarest code unit (a vectorised
-    // scan) and confirmed in place; after a confirmed match the rest of that
-    // text is skipped, so no text costs more than one confirmation.
+    // Candidates are found by the needle's rarest pair of code units (or its
+    // only one) with a vectorised scan and confirmed in place; after a
+    // confirmed match the rest of that text is skipped, so no text costs more
+    // than one confirmation.
     qsizetype anchor = 0;
-    for (qsizetype i = 1; i < needleSize; ++i) {
-        if (frequency(foldedNeedle[i]) < frequency(foldedNeedle[anchor]))
+    qint64 rarest = -1;
+    for (qsizetype i = 0; i + 1 < needleSize; ++i) {
+        const qint64 estimate =
+            qint64(frequency(foldedNeedle[i])) * qint64(frequency(foldedNeedle[i + 1]));
+        if (rarest < 0 || estimate < rarest) {
+            rarest = estimate;
             anchor = i;
+        }
     }
     const QChar anchorUnit = foldedNeedle[anchor];
+    const char16_t pairSecond = needleSize > 1 ? foldedNeedle[anchor + 1].unicode() : u'\0';
     const qsizetype rangeEnd = m_starts[first + count];
     const QStringView buffer = QStringView(m_buffer).first(rangeEnd);
     qsizetype index = first; // the text holding the current candidate
     qsizetype from = m_starts[first];
     while (from + needleSize <= rangeEnd) {
-        const qsizetype found = buffer.indexOf(anchorUnit, from + anchor);
+        const qsizetype found = needleSize > 1
+                                    ? findPair(buffer.utf16(), from + anchor, rangeEnd - 1,
+                                               anchorUnit.unicode(), pairSecond)
+                                    : buffer.indexOf(anchorUnit, from + anchor);
         if (found < 0)
             break;
         const qsizetype at = found - anchor; // where the candidate starts

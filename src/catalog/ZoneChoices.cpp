@@ -26,7 +26,8 @@ QList<ZoneSearchResult> results(const QString &query)
 {
     if (trimmedText(query).isEmpty())
         return suggestions();
-    static const FoldedIdentifiers known(TimeZoneDatabase::knownIdentifiers());
+    static const FoldedIdentifiers known(TimeZoneDatabase::knownIdentifiers(),
+                                         TimeZoneDatabase::linkTargets());
     return ZoneSearch::search(query, CityCatalog::sharedFolded(), known);
 }
 

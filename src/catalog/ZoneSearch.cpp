@@ -6,6 +6,9 @@
 #include "TextFolding.h"
 
 #include <QSet>
+#include <QVarLengthArray>
+
+#include <algorithm>
 
 namespace ZoneSearch {
 
@@ -55,10 +58,11 @@ QList<ZoneSearchResult> search(const QString &query, const FoldedCities &cities,
         return {};
 
     // Results only ever get appended, so once the cap is reached nothing
-    // later can show: both passes stop there. Names are matched a block at a
+    // later can show: every pass stops there. Names are matched a block at a
     // time for the same reason; a short query fills the list early on.
     constexpr qsizetype blockSize = 2048;
     QList<ZoneSearchResult> results;
+    QVarLengthArray<qsizetype, maximumResults> listedCities;
     const QList<bool> countryMatches = cities.countries().matches(folded);
     const QList<bool> identifierMatches = cities.identifiers().matches(folded);
     QList<bool> listed(cities.identifiers().size(), false);
@@ -77,20 +81,46 @@ QList<ZoneSearchResult> search(const QString &query, const FoldedCities &cities,
                     continue;
                 listed[zone] = true;
             }
+            listedCities.append(i);
             results.append(ZoneSearchResult::fromCity(cities.cities()[i]));
+        }
+    }
+
+    // Cities found only by another name (Cologne, Zurich, Bombay) follow
+    // those found by their own, like a name hit: whatever their zone.
+    const CityOtherNames &otherNames = cities.otherNames();
+    if (results.size() < maximumResults && otherNames.size() > 0) {
+        const QList<bool> otherMatches = cities.foldedOtherNames().matches(folded);
+        for (qsizetype i = 0; i < otherNames.size() && results.size() < maximumResults; ++i) {
+            const qsizetype city = otherNames.city(i);
+            if (!otherMatches[i] ||
+                std::find(listedCities.cbegin(), listedCities.cend(), city) != listedCities.cend())
+                continue;
+            listedCities.append(city);
+            listed[cities.identifierIndex(city)] = true;
+            results.append(
+                ZoneSearchResult::fromOtherName(cities.cities()[city], otherNames.name(i)));
         }
     }
 
     if (results.size() < maximumResults) {
         const QList<bool> knownMatches = knownIdentifiers.folded().matches(folded);
+        QList<bool> listedKnown(knownIdentifiers.size(), false);
         for (qsizetype i = 0; i < knownIdentifiers.size() && results.size() < maximumResults; ++i) {
-            if (!knownMatches[i] || !knownIdentifiers.isFirstOccurrence(i))
+            if (!knownMatches[i])
                 continue;
-            const QString &identifier = knownIdentifiers.identifiers()[i];
-            const qsizetype zone = cities.indexOfIdentifier(identifier);
-            if (zone >= 0 && listed[zone])
+            // A zone is listed once, and under its own name when that matches too.
+            const qsizetype zone = knownIdentifiers.zoneIndex(i);
+            if ((zone != i && knownMatches[zone]) || listedKnown[zone])
                 continue;
-            results.append(ZoneSearchResult::fromIdentifier(identifier));
+            listedKnown[zone] = true;
+            const QString &identifier = knownIdentifiers.names()[zone];
+            const qsizetype cityZone = cities.indexOfIdentifier(identifier);
+            if (cityZone >= 0 && listed[cityZone])
+                continue;
+            results.append(
+                zone == i ? ZoneSearchResult::fromIdentifier(identifier)
+                          : ZoneSearchResult::fromLink(knownIdentifiers.names()[i], identifier));
         }
     }
     return results;

@@ -2,6 +2,7 @@
 
 #include <QHashFunctions>
 #include <QString>
+#include <QStringView>
 
 struct CityEntry;
 
@@ -15,7 +16,12 @@ struct ZoneSearchResult
     QString identifier;
 
     static ZoneSearchResult fromCity(const CityEntry &city);
+    // A city found by another of its names: listed under its own name, with
+    // the name that was found ahead of the usual subtitle.
+    static ZoneSearchResult fromOtherName(const CityEntry &city, QStringView otherName);
     static ZoneSearchResult fromIdentifier(const QString &identifier);
+    // A zone found by an old name (a link): the zone itself is what is saved.
+    static ZoneSearchResult fromLink(const QString &link, const QString &identifier);
 
     friend bool operator==(const ZoneSearchResult &a, const ZoneSearchResult &b) = default;
 };

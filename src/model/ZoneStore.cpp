@@ -92,7 +92,8 @@ bool ZoneStore::add(const QString &identifier, const std::optional<QString> &cus
 {
     if (!m_lookup.resolves || !m_lookup.resolves(identifier))
         return false;
-    const SavedZone added{QUuid::createUuid(), identifier, customLabel, isPinned};
+    const QString saved = m_lookup.canonical ? m_lookup.canonical(identifier) : identifier;
+    const SavedZone added{QUuid::createUuid(), saved, customLabel, isPinned};
     return commit(
         [added](QList<SavedZone> &zones) {
             const bool duplicate =

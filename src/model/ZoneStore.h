@@ -21,6 +21,9 @@ struct TimeZoneLookup
     std::function<bool(const QString &)> resolves;
     // The IANA name of the system's current zone (for seeding the first run).
     std::function<QString()> systemZoneId;
+    // The name a zone is saved under: an old name (a link) becomes the zone
+    // it stands for. Names are saved as given when this is not set.
+    std::function<QString(const QString &)> canonical = {};
 };
 
 // The one owner of the user's list of cities and of the tray line format.

@@ -200,9 +200,37 @@ const QStringList &knownIdentifiers()
     return identifiers;
 }
 
+const QHash<QString, QString> &linkTargets()
+{
+    static const QHash<QString, QString> targets = [] {
+        const QStringList &known = knownIdentifiers();
+        const auto isKnown = [&known](const QString &name) {
+            return std::binary_search(known.cbegin(), known.cend(), name);
+        };
+        QHash<QString, QString> found;
+        for (auto it = index().links.cbegin(); it != index().links.cend(); ++it) {
+            if (isKnown(it.key()) || !resolves(it.key()))
+                continue;
+            // Links may point at links; a few hops settle any real database.
+            QString target = it.value();
+            for (int hop = 0; hop < 8 && !isKnown(target); ++hop)
+                target = index().links.value(target);
+            if (isKnown(target))
+                found.insert(it.key(), target);
+        }
+        return found;
+    }();
+    return targets;
+}
+
+QString canonicalIdentifier(const QString &identifier)
+{
+    return linkTargets().value(identifier, identifier);
+}
+
 TimeZoneLookup lookup()
 {
-    return TimeZoneLookup{&resolves, &systemZoneId};
+    return TimeZoneLookup{&resolves, &systemZoneId, &canonicalIdentifier};
 }
 
 } // namespace TimeZoneDatabase

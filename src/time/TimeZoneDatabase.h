@@ -2,6 +2,7 @@
 
 #include "ZoneStore.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QTimeZone>
@@ -27,6 +28,15 @@ QString systemZoneId();
 // The zones the database defines (links left out, except "UTC" and "GMT"),
 // sorted by code point. Built on first use.
 const QStringList &knownIdentifiers();
+
+// The other names of known zones, each with the known zone it stands for
+// (Asia/Calcutta: Asia/Kolkata; US/Eastern: America/New_York). Names that
+// knownIdentifiers() lists itself, such as "UTC", are not among them.
+const QHash<QString, QString> &linkTargets();
+
+// The known zone an identifier stands for: a link's target, otherwise the
+// identifier unchanged.
+QString canonicalIdentifier(const QString &identifier);
 
 TimeZoneLookup lookup();
 

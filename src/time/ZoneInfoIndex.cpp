@@ -24,7 +24,7 @@ bool readTzdataZi(const QString &path, ZoneInfoIndex &index)
         if (line.at(0) == 'Z' && fields.size() >= 2)
             zones.insert(QString::fromUtf8(fields.at(1)));
         else if (line.at(0) == 'L' && fields.size() >= 3)
-            index.links.insert(QString::fromUtf8(fields.at(2)));
+            index.links.insert(QString::fromUtf8(fields.at(2)), QString::fromUtf8(fields.at(1)));
     }
     index.zones = QStringList(zones.cbegin(), zones.cend());
     return true;
@@ -36,7 +36,18 @@ bool isTzif(const QString &path)
     return file.open(QIODevice::ReadOnly) && file.read(4) == "TZif";
 }
 
-void walk(const QDir &root, const QString &prefix, QSet<QString> &zones, QSet<QString> &links)
+// The name a symlink's target has inside the tree, or empty when it lies
+// outside.
+QString nameInTree(const QString &treeRoot, const QFileInfo &link)
+{
+    const QString target = QFileInfo(link.symLinkTarget()).canonicalFilePath();
+    if (treeRoot.isEmpty() || !target.startsWith(treeRoot + u'/'))
+        return {};
+    return target.mid(treeRoot.size() + 1);
+}
+
+void walk(const QDir &root, const QString &treeRoot, const QString &prefix, QSet<QString> &zones,
+          QHash<QString, QString> &links)
 {
     // Directory symlinks are not followed, which keeps loops out.
     const QFileInfoList entries =
@@ -47,13 +58,16 @@ void walk(const QDir &root, const QString &prefix, QSet<QString> &zones, QSet<QS
             // posix/ and right/ repeat the whole tree under other rules.
             if (entry.isSymLink() || name == u"posix" || name == u"right")
                 continue;
-            walk(QDir(entry.filePath()), name + u'/', zones, links);
+            walk(QDir(entry.filePath()), treeRoot, name + u'/', zones, links);
             continue;
         }
         if (name == u"localtime" || name == u"posixrules" || name.endsWith(u".tab") ||
             name.endsWith(u".zi") || !isTzif(entry.filePath()))
             continue;
-        (entry.isSymLink() ? links : zones).insert(name);
+        if (entry.isSymLink())
+            links.insert(name, nameInTree(treeRoot, entry));
+        else
+            zones.insert(name);
     }
 }
 
@@ -69,7 +83,8 @@ ZoneInfoIndex ZoneInfoIndex::read(const QString &directory)
     ZoneInfoIndex index;
     if (!readTzdataZi(directory + u"/tzdata.zi", index)) {
         QSet<QString> zones;
-        walk(QDir(directory), QString(), zones, index.links);
+        walk(QDir(directory), QFileInfo(directory).canonicalFilePath(), QString(), zones,
+             index.links);
         index.zones = QStringList(zones.cbegin(), zones.cend());
     }
     // QString's operator< compares UTF-16 code units; tz names are ASCII,

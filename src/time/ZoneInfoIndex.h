@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSet>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -10,8 +10,9 @@ struct ZoneInfoIndex
 {
     // Names with rules of their own, sorted by code point.
     QStringList zones;
-    // Other names for those zones (old or alternative spellings).
-    QSet<QString> links;
+    // Other names (old or alternative spellings), each with the name it
+    // points to: a zone, another link, or empty when that is not known.
+    QHash<QString, QString> links;
 
     bool contains(const QString &name) const;
     bool isEmpty() const { return zones.isEmpty() && links.isEmpty(); }

@@ -14,7 +14,8 @@ namespace {
 // What the catalogue's rules give when read through QJsonDocument. It is more
 // lenient than JSON (control characters, unknown escapes), so it is a
 // reference for well-formed text only.
-std::optional<QList<CityEntry>> throughJsonDocument(const QByteArray &json)
+std::optional<QList<CityEntry>> throughJsonDocument(const QByteArray &json,
+                                                    CityOtherNames *otherNames = nullptr)
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
@@ -29,6 +30,11 @@ std::optional<QList<CityEntry>> throughJsonDocument(const QByteArray &json)
         if (!element.isObject() || !name.isString() || !identifier.isString() ||
             !country.isString())
             return std::nullopt;
+        const QJsonValue names = object.value(QStringLiteral("otherNames"));
+        for (const QJsonValue &other : names.toArray()) {
+            if (otherNames && other.isString())
+                otherNames->append(cities.size(), other.toString());
+        }
         cities.append({name.toString(), identifier.toString(), country.toString()});
     }
     return cities;
@@ -76,6 +82,26 @@ void TestCatalogJsonReader::readsStrictJson_data()
         << 1;
     QTest::newRow("duplicate key, last wins")
         << QByteArray(R"([{"name":"A","name":"B","identifier":"UTC","country":"C"}])") << 1;
+    QTest::newRow("other names")
+        << QByteArray(
+               R"([{"name":"K\u00f6ln","identifier":"Europe/Berlin","country":"Germany",)"
+               R"("otherNames":["Cologne","Koln"]},)" +
+               stockholm +
+               R"(,{"otherNames":[],"name":"A","identifier":"UTC","country":"B"},)"
+               R"({"otherNames":["\"x\"",1,null,["y"],{},"z"],"name":"C","identifier":"UTC",)"
+               R"("country":"D"}])")
+        << 4;
+    QTest::newRow("other names not a list")
+        << QByteArray(R"([{"otherNames":"X","name":"A","identifier":"UTC","country":"B"},)"
+                      R"({"otherNames":{"a":["b"]},"name":"A","identifier":"UTC","country":"B"}])")
+        << 2;
+    QTest::newRow("other names twice, last wins")
+        << QByteArray(R"([{"otherNames":["X"],"name":"A","identifier":"UTC","country":"B",)"
+                      R"("otherNames":["Y"]}])")
+        << 1;
+    QTest::newRow("broken other names") << QByteArray(R"([{"name":"A","identifier":"UTC",)"
+                                                      R"("country":"B","otherNames":["X",]}])")
+                                        << -1;
 
     QTest::newRow("not json") << QByteArray("hello") << -1;
     QTest::newRow("empty") << QByteArray() << -1;
@@ -124,10 +150,17 @@ void TestCatalogJsonReader::readsStrictJson()
 {
     QFETCH(QByteArray, json);
     QFETCH(int, expectedCount);
-    const std::optional<QList<CityEntry>> read = CatalogJsonReader::read(json);
+    CityOtherNames otherNames;
+    const std::optional<QList<CityEntry>> read = CatalogJsonReader::read(json, &otherNames);
     QCOMPARE(read ? int(read->size()) : -1, expectedCount);
-    if (read)
-        QCOMPARE(read, throughJsonDocument(json));
+    QCOMPARE(CatalogJsonReader::read(json), read);
+    if (read) {
+        CityOtherNames expectedNames;
+        QCOMPARE(read, throughJsonDocument(json, &expectedNames));
+        QVERIFY(otherNames == expectedNames);
+    } else {
+        QCOMPARE(otherNames.size(), 0);
+    }
 }
 
 void TestCatalogJsonReader::agreesOnDamagedCatalogue()
@@ -202,10 +235,14 @@ void TestCatalogJsonReader::readsTheShippedCatalogue()
     if (!file.open(QIODevice::ReadOnly))
         QSKIP("the shipped catalogue is not in this tree");
     const QByteArray json = file.readAll();
-    const std::optional<QList<CityEntry>> read = CatalogJsonReader::read(json);
+    CityOtherNames otherNames;
+    const std::optional<QList<CityEntry>> read = CatalogJsonReader::read(json, &otherNames);
     QVERIFY(read);
     QVERIFY(read->size() > 20000);
-    QCOMPARE(read, throughJsonDocument(json));
+    CityOtherNames expectedNames;
+    QCOMPARE(read, throughJsonDocument(json, &expectedNames));
+    QVERIFY(otherNames.size() > 1000);
+    QVERIFY(otherNames == expectedNames);
 }
 
 QTEST_GUILESS_MAIN(TestCatalogJsonReader)

@@ -1,12 +1,15 @@
 #include "CityEntry.h"
+#include "CityOtherNames.h"
 #include "FoldedCities.h"
 #include "FoldedIdentifiers.h"
+#include "SavedZone.h"
 #include "ZoneSearch.h"
 
 #include <QLocale>
 #include <QTest>
 
 using CityList = QList<CityEntry>;
+using LinkTargets = QHash<QString, QString>;
 Q_DECLARE_METATYPE(CityEntry)
 
 namespace {
@@ -89,6 +92,8 @@ private Q_SLOTS:
     void cap_data();
     void cap();
     void resultContent();
+    void otherNamesAndLinks_data();
+    void otherNamesAndLinks();
 };
 
 void TestZoneSearch::textMatching_data()
@@ -337,6 +342,85 @@ void TestZoneSearch::resultContent()
          "America/Argentina/Buenos_Aires"},
         {"iana:Atlantic/Aires_Test", "Aires Test", "Atlantic/Aires_Test", "Atlantic/Aires_Test"}};
     QCOMPARE(results, expected);
+}
+
+void TestZoneSearch::otherNamesAndLinks_data()
+{
+    using Names = QList<QStringList>;
+    using Links = LinkTargets;
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<CityList>("cities");
+    QTest::addColumn<Names>("otherNames"); // per city, in city order
+    QTest::addColumn<QStringList>("identifiers");
+    QTest::addColumn<Links>("links");
+    QTest::addColumn<QStringList>("expected"); // id, then subtitle
+
+    const CityEntry koln{u16(u"K\u00f6ln"), "Europe/Berlin", "Germany"};
+    const CityEntry cologne{"Cologne", "Europe/Paris", "France"};
+    const CityEntry saoPaulo{u16(u"S\u00e3o Paulo"), "America/Sao_Paulo", "Brazil"};
+    const CityEntry kolkata{"Kolkata", "Asia/Kolkata", "India"};
+    const QString dot = QStringLiteral(" \u00B7 ");
+    const QString kolnCologne = koln.id() + u" @ Cologne" + dot + "Germany" + dot + "Europe/Berlin";
+
+    QTest::newRow("own name first, other name after")
+        << "cologne" << CityList{koln, cologne} << Names{{"Cologne", "Koln"}} << QStringList{}
+        << Links{} << QStringList{cologne.id() + u" @ France" + dot + "Europe/Paris", kolnCologne};
+    QTest::newRow("own name hit not listed again")
+        << "ln" << CityList{koln} << Names{{"Cologne", "Koln"}} << QStringList{} << Links{}
+        << QStringList{koln.id() + u" @ Germany" + dot + "Europe/Berlin"};
+    QTest::newRow("one city for two other names")
+        << "ol" << CityList{koln} << Names{{"Cologne", "Koln"}} << QStringList{} << Links{}
+        << QStringList{kolnCologne};
+    QTest::newRow("ascii reaches the accented name only through its spelling")
+        << "sao p" << CityList{{u16(u"S\u00e3o Pedro"), "America/Sao_Paulo", "Brazil"}, saoPaulo}
+        << Names{{}, {"Sao Paulo"}} << QStringList{} << Links{}
+        << QStringList{saoPaulo.id() + u" @ Sao Paulo" + dot + "Brazil" + dot +
+                       "America/Sao_Paulo"};
+
+    const QStringList zones{"America/New_York", "Asia/Kathmandu", "Asia/Kolkata"};
+    const Links links{{"Asia/Calcutta", "Asia/Kolkata"},
+                      {"Asia/Katmandu", "Asia/Kathmandu"},
+                      {"US/Eastern", "America/New_York"},
+                      {"Old/Eastern", "America/New_York"},
+                      {"Old/Place", "Nowhere/Else"}};
+    QTest::newRow("link lists its zone")
+        << "calcutta" << CityList{} << Names{} << zones << links
+        << QStringList{u"iana:Asia/Kolkata @ Asia/Calcutta" + dot + "Asia/Kolkata"};
+    QTest::newRow("zone under its own name when both match")
+        << "asia/kat" << CityList{} << Names{} << zones << links
+        << QStringList{"iana:Asia/Kathmandu @ Asia/Kathmandu"};
+    QTest::newRow("two links, one zone")
+        << "eastern" << CityList{} << Names{} << zones << links
+        << QStringList{u"iana:America/New_York @ Old/Eastern" + dot + "America/New_York"};
+    QTest::newRow("link to a listed city's zone")
+        << "calcutta" << CityList{kolkata} << Names{{"Calcutta"}} << zones << links
+        << QStringList{kolkata.id() + u" @ Calcutta" + dot + "India" + dot + "Asia/Kolkata"};
+    QTest::newRow("link to an unknown zone")
+        << "place" << CityList{} << Names{} << zones << links << QStringList{};
+}
+
+void TestZoneSearch::otherNamesAndLinks()
+{
+    QFETCH(QString, query);
+    QFETCH(CityList, cities);
+    QFETCH(QList<QStringList>, otherNames);
+    QFETCH(QStringList, identifiers);
+    QFETCH(LinkTargets, links);
+    QFETCH(QStringList, expected);
+
+    CityOtherNames names;
+    for (qsizetype city = 0; city < otherNames.size(); ++city) {
+        for (const QString &name : otherNames[city])
+            names.append(city, name);
+    }
+    QStringList found;
+    for (const ZoneSearchResult &result : ZoneSearch::search(
+             query, FoldedCities(cities, names), FoldedIdentifiers(identifiers, links))) {
+        found.append(result.id + u" @ " + result.subtitle);
+        QCOMPARE(result.title, result.id.startsWith(u"iana:") ? cityPart(result.identifier)
+                                                              : result.id.section(u'|', 0, 0));
+    }
+    QCOMPARE(found, expected);
 }
 
 QTEST_GUILESS_MAIN(TestZoneSearch)

@@ -15,10 +15,17 @@ const QSet<QString> knownZones{
     QStringLiteral("Asia/Kolkata"),     QStringLiteral("UTC"),
 };
 
+// Old names that resolve and are saved as the zone they stand for.
+const QHash<QString, QString> oldNames{
+    {QStringLiteral("Asia/Calcutta"), QStringLiteral("Asia/Kolkata")},
+    {QStringLiteral("Japan"), QStringLiteral("Asia/Tokyo")},
+};
+
 TimeZoneLookup testLookup(const QString &systemZone = QStringLiteral("Europe/Stockholm"))
 {
-    return {[](const QString &id) { return knownZones.contains(id); },
-            [systemZone] { return systemZone; }};
+    return {[](const QString &id) { return knownZones.contains(id) || oldNames.contains(id); },
+            [systemZone] { return systemZone; },
+            [](const QString &id) { return oldNames.value(id, id); }};
 }
 
 QByteArray encoded(const QList<SavedZone> &zones)
@@ -222,15 +229,21 @@ void TestZoneStore::add_data()
     QTest::addColumn<QString>("identifier");
     QTest::addColumn<std::optional<QString>>("label");
     QTest::addColumn<bool>("appended");
+    QTest::addColumn<QString>("saved");
     const auto home = std::optional<QString>(QStringLiteral("Home"));
-    QTest::newRow("same nickname") << "Asia/Tokyo" << home << false;
-    QTest::newRow("no nickname") << "Asia/Tokyo" << std::optional<QString>() << true;
+    QTest::newRow("same nickname") << "Asia/Tokyo" << home << false << QString();
+    QTest::newRow("old name of the same zone") << "Japan" << home << false << QString();
+    QTest::newRow("old name saved as its zone")
+        << "Asia/Calcutta" << std::optional<QString>() << true << "Asia/Kolkata";
+    QTest::newRow("no nickname") << "Asia/Tokyo" << std::optional<QString>() << true << QString();
     QTest::newRow("trailing space")
-        << "Asia/Tokyo" << std::optional<QString>(QStringLiteral("Home ")) << true;
-    QTest::newRow("empty nickname") << "Asia/Tokyo" << std::optional<QString>(QString()) << true;
-    QTest::newRow("other zone, same nickname") << "Europe/London" << home << true;
-    QTest::newRow("unknown zone") << "Mars/Olympus_Mons" << std::optional<QString>() << false;
-    QTest::newRow("wrong case") << "asia/tokyo" << std::optional<QString>() << false;
+        << "Asia/Tokyo" << std::optional<QString>(QStringLiteral("Home ")) << true << QString();
+    QTest::newRow("empty nickname")
+        << "Asia/Tokyo" << std::optional<QString>(QString()) << true << QString();
+    QTest::newRow("other zone, same nickname") << "Europe/London" << home << true << QString();
+    QTest::newRow("unknown zone") << "Mars/Olympus_Mons" << std::optional<QString>() << false
+                                  << QString();
+    QTest::newRow("wrong case") << "asia/tokyo" << std::optional<QString>() << false << QString();
 }
 
 void TestZoneStore::add()
@@ -238,6 +251,7 @@ void TestZoneStore::add()
     QFETCH(QString, identifier);
     QFETCH(std::optional<QString>, label);
     QFETCH(bool, appended);
+    QFETCH(QString, saved);
 
     Fixture f(0);
     f.store->add(QStringLiteral("Asia/Tokyo"), QStringLiteral("Home"), true);
@@ -251,7 +265,7 @@ void TestZoneStore::add()
     QCOMPARE(f.writes() - writesBefore, appended ? 1 : 0);
     if (appended) {
         const SavedZone &added = f.store->zones().last();
-        QCOMPARE(added.identifier, identifier);
+        QCOMPARE(added.identifier, saved.isNull() ? identifier : saved);
         QCOMPARE(added.customLabel, label); // stored as given, untrimmed
         QVERIFY(!added.isPinned);
         QVERIFY(added.id != f.store->zones().first().id);

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void resolves_data();
     void resolves();
     void knownIdentifiersAreSortedRealZones();
+    void canonicalIdentifier_data();
+    void canonicalIdentifier();
 
     void localZoneFollowsTz_data();
     void localZoneFollowsTz();
@@ -111,6 +113,40 @@ void TestTimeZoneDatabase::knownIdentifiersAreSortedRealZones()
         QVERIFY2(known.contains(QLatin1StringView(present)), present);
     for (const char *absent : {"Europe/Kiev", "US/Eastern", "Factory", "posixrules", "localtime"})
         QVERIFY2(!known.contains(QLatin1StringView(absent)), absent);
+}
+
+void TestTimeZoneDatabase::canonicalIdentifier_data()
+{
+    QTest::addColumn<QString>("identifier");
+    QTest::addColumn<QString>("canonical");
+    QTest::newRow("renamed city") << "Asia/Calcutta"
+                                  << "Asia/Kolkata";
+    QTest::newRow("link to a link's zone") << "Europe/Kiev"
+                                           << "Europe/Kyiv";
+    QTest::newRow("old region name") << "US/Eastern"
+                                     << "America/New_York";
+    QTest::newRow("link listed as known") << "UTC"
+                                          << "UTC";
+    QTest::newRow("zone") << "Europe/Stockholm"
+                          << "Europe/Stockholm";
+    QTest::newRow("unknown") << "Mars/Olympus_Mons"
+                             << "Mars/Olympus_Mons";
+}
+
+void TestTimeZoneDatabase::canonicalIdentifier()
+{
+    QFETCH(QString, identifier);
+    QFETCH(QString, canonical);
+    QCOMPARE(TimeZoneDatabase::canonicalIdentifier(identifier), canonical);
+    QCOMPARE(TimeZoneDatabase::lookup().canonical(identifier), canonical);
+
+    const QStringList &known = TimeZoneDatabase::knownIdentifiers();
+    const QHash<QString, QString> &links = TimeZoneDatabase::linkTargets();
+    QVERIFY(links.size() > 100);
+    for (auto it = links.cbegin(); it != links.cend(); ++it) {
+        QVERIFY2(!known.contains(it.key()) && known.contains(it.value()), qPrintable(it.key()));
+        QVERIFY2(TimeZoneDatabase::resolves(it.key()), qPrintable(it.key()));
+    }
 }
 
 void TestTimeZoneDatabase::localZoneFollowsTz_data()

