@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDBusConnection>
+#include <QPointer>
 #include <QTimer>
 
 #include <cstdio>
@@ -60,8 +61,18 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, SingleInstance::Request request, 
     followTrayKind();
 
     // The command line edits through this store while Zonara runs.
-    if (QObject *exported = instance.exportedObject())
-        new ZoneService(m_store, exported);
+    if (QObject *exported = instance.exportedObject()) {
+        auto *service = new ZoneService(m_store, exported);
+        // Panel applets show the same line and open the same panel.
+        service->setLine(m_label.text());
+        connect(&m_label, &MenuBarLabel::textChanged, service,
+                [this, service] { service->setLine(m_label.text()); });
+        // The service outlives this object on the bus.
+        service->setPanelToggle([app = QPointer(this)](const QPoint &at) {
+            if (app)
+                app->togglePanelAt(at);
+        });
+    }
 
     connect(&instance, &SingleInstance::reopenRequested, this, &ZonaraApp::reopen);
     connect(&instance, &SingleInstance::settingsRequested, this, &ZonaraApp::showSettings);

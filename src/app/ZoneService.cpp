@@ -1,6 +1,8 @@
 #include "ZoneService.h"
 
+#include "CityTimes.h"
 #include "StoreZoneEditor.h"
+#include "TimeZoneDatabase.h"
 #include "ZoneListCodec.h"
 #include "ZoneStore.h"
 
@@ -24,6 +26,19 @@ ZoneService::ZoneService(ZoneStore &store, QObject *parent)
     : QDBusAbstractAdaptor(parent)
     , m_store(store)
 {}
+
+void ZoneService::setLine(const QString &line)
+{
+    if (line == m_line)
+        return;
+    m_line = line;
+    Q_EMIT LineChanged(m_line);
+}
+
+void ZoneService::setPanelToggle(std::function<void(const QPoint &)> toggle)
+{
+    m_togglePanel = std::move(toggle);
+}
 
 QByteArray ZoneService::Zones() const
 {
@@ -78,4 +93,22 @@ bool ZoneService::SetFormat(const QString &format)
 {
     const std::optional<MenuBarFormat> chosen = MenuBarFormats::fromRawValue(format);
     return chosen && done(StoreZoneEditor(m_store).setFormat(*chosen));
+}
+
+QString ZoneService::Line() const
+{
+    return m_line;
+}
+
+QString ZoneService::Cities() const
+{
+    // The instant of the call: an applet asks just before it shows them.
+    return CityTimes::summary(m_store.zones(), m_store.format(), QDateTime::currentDateTimeUtc(),
+                              TimeZoneDatabase::localZone());
+}
+
+void ZoneService::TogglePanel(int x, int y)
+{
+    if (m_togglePanel)
+        m_togglePanel(QPoint(x, y));
 }

@@ -16,6 +16,8 @@
 namespace {
 
 const QString serviceName = QStringLiteral("io.github.zonara.Zonara");
+const QString objectPath = QStringLiteral("/io/github/zonara/Zonara");
+const QString zonesInterface = QStringLiteral("io.github.zonara.Zones1");
 
 } // namespace
 
@@ -28,15 +30,21 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void editsReachTheRunningInstance();
+    void lineReachesApplets_data();
+    void lineReachesApplets();
 
 private:
     QProcessEnvironment environment() const;
     int run(const QStringList &arguments, QString *out = nullptr);
     QString trayLabel();
+    QString callZones(const QString &method);
+    QString cliLine();
+    Q_SLOT void lineChanged(const QString &line) { m_lines.append(line); }
 
     QTemporaryDir m_home;
     FakeStatusNotifierWatcher m_watcher;
     QProcess m_zonara;
+    QStringList m_lines;
 };
 
 QProcessEnvironment TestCommandLineBus::environment() const
@@ -52,6 +60,8 @@ void TestCommandLineBus::initTestCase()
     QDBusConnection bus = QDBusConnection::sessionBus();
     QVERIFY2(bus.isConnected(), "run inside dbus-run-session");
     QVERIFY(m_watcher.start(bus));
+    QVERIFY(bus.connect(serviceName, objectPath, zonesInterface, QStringLiteral("LineChanged"),
+                        this, SLOT(lineChanged(QString))));
     QVERIFY(m_home.isValid());
 
     SettingsPreferencesStore preferences(m_home.filePath(QStringLiteral("zonara/zonara.conf")));
@@ -129,6 +139,76 @@ void TestCommandLineBus::editsReachTheRunningInstance()
     QCOMPARE(stored->at(1).customLabel, std::optional(QStringLiteral("Office")));
     QCOMPARE(file.readText(ZoneStore::formatKey), std::optional(QStringLiteral("timeOnly24")));
     QCOMPARE(m_zonara.state(), QProcess::Running);
+}
+
+QString TestCommandLineBus::callZones(const QString &method)
+{
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(
+        QDBusMessage::createMethodCall(serviceName, objectPath, zonesInterface, method),
+        QDBus::Block, 5000);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return QStringLiteral("<no answer>");
+    return reply.arguments().constFirst().toString();
+}
+
+QString TestCommandLineBus::cliLine()
+{
+    QString out;
+    run({"line"}, &out);
+    return out.chopped(out.endsWith(u'\n') ? 1 : 0);
+}
+
+void TestCommandLineBus::lineReachesApplets_data()
+{
+    // After the edits above: London, then Tokyo as "Office", pinned; times only.
+    QTest::addColumn<QStringList>("edit");
+    QTest::addColumn<bool>("changesLine");
+    QTest::addColumn<QString>("firstCity");
+    QTest::newRow("pinned city") << QStringList{"add", "Asia/Kolkata", "--pin"} << true
+                                 << QStringLiteral("Office ");
+    QTest::newRow("unpinned city")
+        << QStringList{"add", "America/New_York"} << false << QStringLiteral("Office ");
+    QTest::newRow("hidden nickname")
+        << QStringList{"rename", "Kolkata", "Desk"} << false << QStringLiteral("Office ");
+    QTest::newRow("labels shown") << QStringList{"format", "labelTime24"} << true
+                                  << QStringLiteral("Office ");
+    QTest::newRow("pinned later") << QStringList{"unpin", "Office"} << true
+                                  << QStringLiteral("Desk ");
+    QTest::newRow("globe") << QStringList{"unpin", "Desk"} << true << QStringLiteral("London ");
+}
+
+void TestCommandLineBus::lineReachesApplets()
+{
+    QFETCH(QStringList, edit);
+    QFETCH(bool, changesLine);
+    QFETCH(QString, firstCity);
+    m_lines.clear();
+    const QString before = callZones(QStringLiteral("Line"));
+
+    QCOMPARE(run(edit), 0);
+    // The line an applet reads is the one the command line computes.
+    QTRY_COMPARE_WITH_TIMEOUT(callZones(QStringLiteral("Line")), cliLine(), 5000);
+    if (changesLine) {
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !m_lines.isEmpty() && m_lines.last() == callZones(QStringLiteral("Line")), 5000);
+    }
+    // The reply above came after any signal of the edit; each signal is a new
+    // line (a minute may tick in between, an edit that shows nothing new never).
+    QCoreApplication::processEvents();
+    QString previous = before;
+    for (const QString &line : std::as_const(m_lines)) {
+        QVERIFY2(line != previous, qPrintable(line));
+        previous = line;
+    }
+
+    const QStringList cities = callZones(QStringLiteral("Cities")).split(u'\n');
+    QVERIFY2(cities.constFirst().startsWith(firstCity), qPrintable(cities.constFirst()));
+    const QDBusMessage stored = QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
+        serviceName, objectPath, zonesInterface, QStringLiteral("Zones")));
+    const std::optional<QList<SavedZone>> zones =
+        ZoneListCodec::decode(stored.arguments().value(0).toByteArray());
+    QVERIFY(zones);
+    QCOMPARE(cities.size(), zones->size());
 }
 
 QTEST_GUILESS_MAIN(TestCommandLineBus)

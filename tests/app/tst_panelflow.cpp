@@ -27,6 +27,7 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void addAndPinFromTheTray();
+    void appletOpensThePanel();
 
 private:
     void activateTrayItem();
@@ -139,6 +140,23 @@ void TestPanelFlow::addAndPinFromTheTray()
     QTRY_VERIFY_WITH_TIMEOUT(panel.isVisible(), 5000);
     QVERIFY(!list->isShowingAdd());
     QVERIFY(cardNamed(QStringLiteral("Stockholm")));
+}
+
+void TestPanelFlow::appletOpensThePanel()
+{
+    PanelWindow &panel = m_app->panel();
+    panel.hide();
+    const QPoint click(900, 790);
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("io.github.zonara.Zonara"), QStringLiteral("/io/github/zonara/Zonara"),
+        QStringLiteral("io.github.zonara.Zones1"), QStringLiteral("TogglePanel"));
+    call << click.x() << click.y();
+    m_client.asyncCall(call);
+
+    QTRY_VERIFY_WITH_TIMEOUT(panel.isVisible(), 5000);
+    // A panel along the bottom edge: Zonara's opens above the click.
+    QVERIFY(panel.geometry().bottom() < click.y());
+    QVERIFY(qAbs(panel.geometry().center().x() - click.x()) <= 1);
 }
 
 QTEST_MAIN(TestPanelFlow)
