@@ -124,7 +124,9 @@ void ZoneRow::setState(const State &state)
                               old.format != state.format || old.localZone != state.localZone;
     if (textsChanged)
         updateTexts();
-    if (textsChanged || old.isReorderHighlighted != state.isReorderHighlighted ||
+    // Symbols depend on the pin and the handle only, not on the time.
+    if (old.zone.isPinned != state.zone.isPinned ||
+        old.isReorderHighlighted != state.isReorderHighlighted ||
         old.canReorder != state.canReorder)
         updateSymbols();
     if (old.isRenaming != state.isRenaming || old.draftName != state.draftName ||
