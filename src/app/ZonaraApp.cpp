@@ -53,7 +53,7 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, bool openSettings, QObject *paren
 
     // The command line edits through this store while Zonara runs.
     if (QObject *exported = instance.exportedObject())
-        new ZoneService(m_store, exported);
+        new ZoneService(m_store, instance.bus(), exported);
 
     connect(&instance, &SingleInstance::reopenRequested, this, &ZonaraApp::reopen);
     connect(&instance, &SingleInstance::settingsRequested, this, &ZonaraApp::showSettings);

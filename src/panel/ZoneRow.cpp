@@ -6,6 +6,7 @@
 #include "InlineEditButton.h"
 #include "NameField.h"
 #include "TextLine.h"
+#include "ZoneLimits.h"
 #include "ZoneRowTexts.h"
 
 #include <QEvent>
@@ -195,6 +196,7 @@ void ZoneRow::updateRenaming()
         m_field->setObjectName(QStringLiteral("city-nickname"));
         m_field->setPlaceholderText(QStringLiteral("City name"));
         m_field->setFixedHeight(fieldHeight);
+        m_field->setMaxLength(int(ZoneLimits::maximumNicknameLength));
         m_field->setBoundText(m_state.draftName);
         connect(m_field, &QLineEdit::textEdited, this, &ZoneRow::draftNameEdited);
         const auto save = [this](const QString &text) {

@@ -160,7 +160,6 @@ void TestSystemTimeWatcher::busSignalsRealignTheClock()
     QCOMPARE(clock.now(), time);
     QCOMPARE(recorder->armings - armingsBefore, realigns ? 2 : 1);
     QCOMPARE(recorder->lastDelay, std::chrono::milliseconds(29750));
-    QVERIFY(!recorder->lastRepeating);
 }
 
 void TestSystemTimeWatcher::localTimeLinkChangeRealigns()
