@@ -6,11 +6,14 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDateTime>
 
 namespace {
 
-// An edit may wait for the preferences' lock as long as any writer does.
-constexpr int callTimeoutMs = 65000;
+// An edit may wait for the preferences' lock as long as any writer does, and
+// its turn for 25 s more, after which the service refuses it rather than
+// make it unseen.
+constexpr int editTimeoutMs = int(ZoneService::longestEditMs) + 25000;
 
 QString idText(const QUuid &id)
 {
@@ -28,12 +31,13 @@ bool BusZoneEditor::isServing(const QDBusConnection &bus)
     return bus.isConnected() && bus.interface()->isServiceRegistered(ZonaraBus::serviceName);
 }
 
-std::optional<QVariant> BusZoneEditor::call(const QString &method, const QVariantList &arguments)
+std::optional<QVariant> BusZoneEditor::call(const QString &method, const QVariantList &arguments,
+                                            int timeoutMs)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
         ZonaraBus::serviceName, ZonaraBus::objectPath, ZoneService::interfaceName, method);
     message.setArguments(arguments);
-    const QDBusMessage reply = m_bus.call(message, QDBus::Block, callTimeoutMs);
+    const QDBusMessage reply = m_bus.call(message, QDBus::Block, timeoutMs);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
         return std::nullopt;
     return reply.arguments().constFirst();
@@ -41,7 +45,10 @@ std::optional<QVariant> BusZoneEditor::call(const QString &method, const QVarian
 
 ZoneEditor::Result BusZoneEditor::edit(const QString &method, const QVariantList &arguments)
 {
-    const std::optional<QVariant> answer = call(method, arguments);
+    // The service acts only while this side still waits for its answer.
+    const qint64 deadline = QDateTime::currentMSecsSinceEpoch() + editTimeoutMs;
+    const std::optional<QVariant> answer =
+        call(method, QVariantList(arguments) << deadline, editTimeoutMs);
     if (!answer)
         return Result::Unreachable;
     if (!answer->toBool())

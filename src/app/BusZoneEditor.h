@@ -25,7 +25,11 @@ public:
     Result setFormat(MenuBarFormat format) override;
 
 private:
-    std::optional<QVariant> call(const QString &method, const QVariantList &arguments = {});
+    // Reads answer at once.
+    static constexpr int readTimeoutMs = 25000;
+
+    std::optional<QVariant> call(const QString &method, const QVariantList &arguments = {},
+                                 int timeoutMs = readTimeoutMs);
     Result edit(const QString &method, const QVariantList &arguments);
 
     QDBusConnection m_bus;

@@ -10,6 +10,7 @@
 #include "SystemTimeWatcher.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneChoices.h"
+#include "ZoneLimits.h"
 #include "ZoneReference.h"
 #include "ZoneStore.h"
 
@@ -127,10 +128,10 @@ QString describe(const SavedZone &zone)
 
 } // namespace
 
-CommandLine::CommandLine(PreferencesStore &preferences, const QDBusConnection &bus,
-                         QTextStream &out, QTextStream &err)
+CommandLine::CommandLine(PreferencesStore &preferences, BusSource bus, QTextStream &out,
+                         QTextStream &err)
     : m_preferences(preferences)
-    , m_bus(bus)
+    , m_busSource(std::move(bus))
     , m_out(out)
     , m_err(err)
 {}
@@ -274,8 +275,8 @@ ZoneEditor &CommandLine::editor(bool forEditing)
     m_editor.reset();
     m_store.reset();
     m_snapshot.reset();
-    if (BusZoneEditor::isServing(m_bus)) {
-        m_editor = std::make_unique<BusZoneEditor>(m_bus);
+    if (BusZoneEditor::isServing(bus())) {
+        m_editor = std::make_unique<BusZoneEditor>(bus());
     } else if (forEditing) {
         m_store = std::make_unique<ZoneStore>(m_preferences, TimeZoneDatabase::lookup());
         m_editor = std::make_unique<StoreZoneEditor>(*m_store);
@@ -307,17 +308,24 @@ std::optional<MenuBarFormat> CommandLine::chosenFormat(const QCommandLineParser 
 
 std::optional<SavedZone> CommandLine::zoneNamed(const QString &text)
 {
-    const std::optional<QList<SavedZone>> zones = editor(true).zones();
-    if (!zones) {
-        editResult(int(ZoneEditor::Result::Unreachable));
-        return std::nullopt;
+    // Resolved in what is saved first, so that a name that fails writes
+    // nothing; then again where the edit is made, where a first run's
+    // seeded city has an id of its own.
+    for (const bool forEditing : {false, true}) {
+        const std::optional<QList<SavedZone>> zones = editor(forEditing).zones();
+        if (!zones) {
+            editResult(int(ZoneEditor::Result::Unreachable));
+            return std::nullopt;
+        }
+        const auto resolved = ZoneReference::resolve(text, *zones);
+        if (const QString *error = std::get_if<QString>(&resolved)) {
+            usageError(*error);
+            return std::nullopt;
+        }
+        if (forEditing)
+            return zones->at(std::get<qsizetype>(resolved));
     }
-    const auto resolved = ZoneReference::resolve(text, *zones);
-    if (const QString *error = std::get_if<QString>(&resolved)) {
-        usageError(*error);
-        return std::nullopt;
-    }
-    return zones->at(std::get<qsizetype>(resolved));
+    return std::nullopt;
 }
 
 int CommandLine::editResult(int result, const QString &ignoredMessage)
@@ -347,6 +355,13 @@ int CommandLine::usageError(const QString &message)
     m_err << "zonara: " << message << '\n';
     m_err.flush();
     return UsageError;
+}
+
+QDBusConnection &CommandLine::bus()
+{
+    if (!m_bus)
+        m_bus = m_busSource();
+    return *m_bus;
 }
 
 int CommandLine::print(const QString &text)
@@ -526,6 +541,13 @@ int CommandLine::add(QCommandLineParser &parser)
     std::optional<QString> nickname;
     if (parser.isSet(QStringLiteral("nickname")))
         nickname = parser.value(QStringLiteral("nickname"));
+    if (const std::optional<QString> problem = ZoneLimits::nicknameProblem(nickname))
+        return usageError(*problem);
+    const std::optional<QList<SavedZone>> zones = editor(false).zones();
+    if (!zones)
+        return editResult(int(ZoneEditor::Result::Unreachable));
+    if (const std::optional<QString> problem = ZoneLimits::countProblem(zones->size()))
+        return usageError(*problem);
     const ZoneEditor::Result result =
         editor(true).add(identifier, nickname, parser.isSet(QStringLiteral("pin")));
     const SavedZone wanted{QUuid(), identifier, nickname, false};
@@ -538,6 +560,10 @@ int CommandLine::rename(QCommandLineParser &parser)
     const QStringList arguments = parser.positionalArguments();
     if (arguments.isEmpty() || arguments.size() > 2)
         return usageError(QStringLiteral("\"rename\" takes a city and, optionally, its new name"));
+    if (arguments.size() == 2) {
+        if (const auto problem = ZoneLimits::nicknameProblem(trimmedText(arguments.at(1))))
+            return usageError(*problem);
+    }
     const std::optional<SavedZone> zone = zoneNamed(arguments.constFirst());
     if (!zone)
         return UsageError;

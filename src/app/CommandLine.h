@@ -6,6 +6,7 @@
 #include <QDBusConnection>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -25,8 +26,10 @@ public:
     // A change that could not be saved ends with UsageError's status too.
     enum ExitCode { Success = 0, Refused = 1, UsageError = 2 };
 
-    CommandLine(PreferencesStore &preferences, const QDBusConnection &bus, QTextStream &out,
-                QTextStream &err);
+    // The session bus, connected to only when a command first needs it.
+    using BusSource = std::function<QDBusConnection()>;
+
+    CommandLine(PreferencesStore &preferences, BusSource bus, QTextStream &out, QTextStream &err);
     ~CommandLine();
 
     // Whether the arguments (the program name first) ask for a command
@@ -64,9 +67,11 @@ private:
     int editResult(int result, const QString &ignoredMessage = QString());
     int usageError(const QString &message);
     int print(const QString &text);
+    QDBusConnection &bus();
 
     PreferencesStore &m_preferences;
-    QDBusConnection m_bus;
+    BusSource m_busSource;
+    std::optional<QDBusConnection> m_bus;
     QTextStream &m_out;
     QTextStream &m_err;
     std::unique_ptr<MemoryPreferencesStore> m_snapshot;

@@ -31,6 +31,7 @@ public:
 
     // The object the bus interfaces hang on; null before claim() or without a bus.
     QObject *exportedObject() const { return m_exported; }
+    const QDBusConnection &bus() const { return m_bus; }
 
     // Called by the bus adaptor.
     void requestActivate();

@@ -62,7 +62,7 @@ ZonaraApp::ZonaraApp(SingleInstance &instance, SingleInstance::Request request, 
 
     // The command line edits through this store while Zonara runs.
     if (QObject *exported = instance.exportedObject()) {
-        auto *service = new ZoneService(m_store, exported);
+        auto *service = new ZoneService(m_store, instance.bus(), exported);
         // Panel applets show the same line and open the same panel.
         service->setLine(m_label.text());
         connect(&m_label, &MenuBarLabel::textChanged, service,

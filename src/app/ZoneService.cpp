@@ -3,8 +3,11 @@
 #include "CityTimes.h"
 #include "StoreZoneEditor.h"
 #include "TimeZoneDatabase.h"
+#include "ZoneLimits.h"
 #include "ZoneListCodec.h"
 #include "ZoneStore.h"
+
+#include <QDateTime>
 
 namespace {
 
@@ -22,9 +25,10 @@ bool done(ZoneEditor::Result result)
 
 const QString ZoneService::interfaceName = QStringLiteral("io.github.zonara.Zones1");
 
-ZoneService::ZoneService(ZoneStore &store, QObject *parent)
+ZoneService::ZoneService(ZoneStore &store, const QDBusConnection &bus, QObject *parent)
     : QDBusAbstractAdaptor(parent)
     , m_store(store)
+    , m_bus(bus)
 {}
 
 void ZoneService::setLine(const QString &line)
@@ -55,31 +59,73 @@ bool ZoneService::SaveFailed() const
     return m_store.saveFailed();
 }
 
-bool ZoneService::Add(const QString &identifier, bool hasNickname, const QString &nickname,
-                      bool pinned)
+void ZoneService::refuse(const QDBusMessage &call, QDBusError::ErrorType error,
+                         const QString &text) const
 {
-    return done(
-        StoreZoneEditor(m_store).add(identifier, nicknameFrom(hasNickname, nickname), pinned));
+    // The error goes instead of the slot's answer.
+    call.setDelayedReply(true);
+    m_bus.send(call.createErrorReply(error, text));
 }
 
-bool ZoneService::Rename(const QString &id, bool hasNickname, const QString &nickname)
+bool ZoneService::startsInTime(qint64 deadline, const QDBusMessage &call) const
 {
+    if (QDateTime::currentMSecsSinceEpoch() + longestEditMs <= deadline)
+        return true;
+    refuse(call, QDBusError::TimedOut,
+           QStringLiteral("Zonara was too busy to make the change in time; nothing was changed"));
+    return false;
+}
+
+bool ZoneService::withinLimits(const std::optional<QString> &problem,
+                               const QDBusMessage &call) const
+{
+    if (!problem)
+        return true;
+    refuse(call, QDBusError::InvalidArgs, *problem);
+    return false;
+}
+
+bool ZoneService::Add(const QString &identifier, bool hasNickname, const QString &nickname,
+                      bool pinned, qint64 deadline, const QDBusMessage &call)
+{
+    const std::optional<QString> chosen = nicknameFrom(hasNickname, nickname);
+    if (!withinLimits(ZoneLimits::nicknameProblem(chosen), call) ||
+        !withinLimits(ZoneLimits::countProblem(m_store.zones().size()), call) ||
+        !startsInTime(deadline, call))
+        return false;
+    return done(StoreZoneEditor(m_store).add(identifier, chosen, pinned));
+}
+
+bool ZoneService::Rename(const QString &id, bool hasNickname, const QString &nickname,
+                         qint64 deadline, const QDBusMessage &call)
+{
+    std::optional<QString> chosen = nicknameFrom(hasNickname, nickname);
+    if (chosen)
+        chosen = trimmedText(*chosen);
+    if (!withinLimits(ZoneLimits::nicknameProblem(chosen), call) || !startsInTime(deadline, call))
+        return false;
     return done(StoreZoneEditor(m_store).rename(QUuid::fromString(id),
                                                 nicknameFrom(hasNickname, nickname)));
 }
 
-bool ZoneService::SetPinned(const QString &id, bool pinned)
+bool ZoneService::SetPinned(const QString &id, bool pinned, qint64 deadline,
+                            const QDBusMessage &call)
 {
-    return done(StoreZoneEditor(m_store).setPinned(QUuid::fromString(id), pinned));
+    return startsInTime(deadline, call) &&
+           done(StoreZoneEditor(m_store).setPinned(QUuid::fromString(id), pinned));
 }
 
-bool ZoneService::Remove(const QString &id)
+bool ZoneService::Remove(const QString &id, qint64 deadline, const QDBusMessage &call)
 {
-    return done(StoreZoneEditor(m_store).remove(QUuid::fromString(id)));
+    return startsInTime(deadline, call) &&
+           done(StoreZoneEditor(m_store).remove(QUuid::fromString(id)));
 }
 
-bool ZoneService::MoveZones(const QStringList &ids, const QString &before)
+bool ZoneService::MoveZones(const QStringList &ids, const QString &before, qint64 deadline,
+                            const QDBusMessage &call)
 {
+    if (!startsInTime(deadline, call))
+        return false;
     QList<QUuid> uuids;
     for (const QString &id : ids)
         uuids.append(QUuid::fromString(id));
@@ -89,10 +135,11 @@ bool ZoneService::MoveZones(const QStringList &ids, const QString &before)
     return done(StoreZoneEditor(m_store).moveZones(uuids, anchor));
 }
 
-bool ZoneService::SetFormat(const QString &format)
+bool ZoneService::SetFormat(const QString &format, qint64 deadline, const QDBusMessage &call)
 {
     const std::optional<MenuBarFormat> chosen = MenuBarFormats::fromRawValue(format);
-    return chosen && done(StoreZoneEditor(m_store).setFormat(*chosen));
+    return chosen && startsInTime(deadline, call) &&
+           done(StoreZoneEditor(m_store).setFormat(*chosen));
 }
 
 QString ZoneService::Line() const

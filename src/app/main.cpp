@@ -1,34 +1,50 @@
+// `zonara`: the command line, on QtCore and QtDBus alone, so that a status
+// bar asking for the line every few seconds pays for nothing else. Without a
+// command it becomes the tray program.
 #include "CommandLine.h"
-#include "FocusRingStyle.h"
 #include "SettingsPreferencesStore.h"
-#include "SingleInstance.h"
-#include "ZonaraApp.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QDBusConnection>
-#include <QIcon>
 #include <QTextStream>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
 
 namespace {
-
-void nameApplication()
-{
-    QCoreApplication::setOrganizationName(QStringLiteral("zonara"));
-    QCoreApplication::setApplicationName(QStringLiteral("zonara"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZONARA_VERSION));
-}
 
 int runCommandLine(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    nameApplication();
+    QCoreApplication::setOrganizationName(QStringLiteral("zonara"));
+    QCoreApplication::setApplicationName(QStringLiteral("zonara"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZONARA_VERSION));
     SettingsPreferencesStore preferences;
     QTextStream out(stdout);
     QTextStream err(stderr);
-    CommandLine commandLine(preferences, QDBusConnection::sessionBus(), out, err);
+    // The bus only once a command needs it.
+    CommandLine commandLine(
+        preferences, [] { return QDBusConnection::sessionBus(); }, out, err);
     return commandLine.run(QCoreApplication::arguments());
+}
+
+// The tray program beside this one (a build tree), else where it is installed.
+std::filesystem::path trayProgram()
+{
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path directory = error ? std::filesystem::path(".") : self.parent_path();
+    for (const std::filesystem::path &candidate :
+         {directory / "zonara-tray", directory / ZONARA_TRAY_FROM_BINDIR / "zonara-tray"}) {
+        if (::access(candidate.c_str(), X_OK) == 0)
+            return candidate;
+    }
+    return directory / ZONARA_TRAY_FROM_BINDIR / "zonara-tray";
 }
 
 } // namespace
@@ -46,30 +62,9 @@ int main(int argc, char *argv[])
                      unknown->toLocal8Bit().constData());
         return CommandLine::UsageError;
     }
-
-    QApplication app(argc, argv);
-    QApplication::setStyle(new FocusRingStyle);
-    nameApplication();
-    const QString appId = QStringLiteral("io.github.zonara.Zonara");
-    QApplication::setDesktopFileName(appId);
-    // The installed icon where the theme has it, else our own copy.
-    QApplication::setWindowIcon(
-        QIcon::fromTheme(appId, QIcon(QStringLiteral(":/zonara/io.github.zonara.Zonara.svg"))));
-    // Zonara lives in the tray: closing a window never ends it.
-    QApplication::setQuitOnLastWindowClosed(false);
-
-    using Request = SingleInstance::Request;
-    const Request request = arguments.contains(QStringLiteral("--settings")) ? Request::settings
-                            : arguments.contains(QStringLiteral("--panel"))  ? Request::panel
-                                                                             : Request::reopen;
-    SingleInstance instance(QDBusConnection::sessionBus());
-    if (!instance.claim()) {
-        if (instance.forward(request))
-            return 0;
-        std::fputs("zonara: another Zonara is running but did not answer\n", stderr);
-        return 1;
-    }
-
-    ZonaraApp zonara(instance, request);
-    return app.exec();
+    // The same process, so that whoever started Zonara keeps its id.
+    const std::filesystem::path tray = trayProgram();
+    ::execv(tray.c_str(), argv);
+    std::fprintf(stderr, "zonara: cannot start %s: %s\n", tray.c_str(), std::strerror(errno));
+    return 1;
 }

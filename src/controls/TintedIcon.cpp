@@ -20,12 +20,8 @@ QSvgRenderer *rendererFor(const QString &svgPath)
     return it.value()->isValid() ? it.value().get() : nullptr;
 }
 
-} // namespace
-
-namespace TintedIcon {
-
-QPixmap pixmap(const QString &svgPath, const QColor &color, const QSize &size,
-               qreal devicePixelRatio)
+QImage render(const QString &svgPath, const QColor &color, const QSize &size,
+              qreal devicePixelRatio)
 {
     QSvgRenderer *renderer = rendererFor(svgPath);
     if (!renderer || size.isEmpty())
@@ -41,7 +37,35 @@ QPixmap pixmap(const QString &svgPath, const QColor &color, const QSize &size,
         painter.fillRect(image.rect(), color);
     }
     image.setDevicePixelRatio(devicePixelRatio);
-    return QPixmap::fromImage(std::move(image));
+    return image;
+}
+
+} // namespace
+
+namespace TintedIcon {
+
+QPixmap pixmap(const QString &svgPath, const QColor &color, const QSize &size,
+               qreal devicePixelRatio)
+{
+    // Each symbol is drawn once per colour and size: rows ask again whenever
+    // their state changes, and drawing SVG is far dearer than a lookup.
+    // Palettes come and go, so the cache starts over once it is large. Kept
+    // as images, which outlive the application object safely.
+    constexpr qsizetype maximumKept = 512;
+    static QHash<QString, QImage> drawn;
+    const QString key = QStringLiteral("%1|%2|%3x%4@%5")
+                            .arg(svgPath)
+                            .arg(color.rgba(), 8, 16)
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(devicePixelRatio);
+    auto found = drawn.constFind(key);
+    if (found == drawn.cend()) {
+        if (drawn.size() >= maximumKept)
+            drawn.clear();
+        found = drawn.insert(key, render(svgPath, color, size, devicePixelRatio));
+    }
+    return found->isNull() ? QPixmap() : QPixmap::fromImage(*found);
 }
 
 QIcon icon(const QString &svgPath, const QColor &color, const QSize &size)

@@ -16,11 +16,11 @@
 #include <QThread>
 #include <QTimer>
 
-namespace {
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-// Long enough for fifty editors in a row on a loaded machine; a holder that
-// died is detected at once, so this only runs out when one hangs.
-constexpr int lockTimeoutMs = 60000;
+namespace {
 
 // QSettings decodes "@Variant(...)" values through QDataStream, which recurses
 // into nested lists without bound. We never write one, so a file holding one
@@ -38,6 +38,44 @@ bool hasEncodedVariant(const QByteArray &bytes)
             return true;
     }
     return false;
+}
+
+// Opens a regular file for reading, never blocking: a FIFO or device in its
+// place would otherwise hang the open or the read.
+bool openRegular(const QString &fileName, QFile &file)
+{
+    const int fd =
+        ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    struct stat status = {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) ||
+        !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return false;
+    }
+    return true;
+}
+
+// The file a save replaces: the preferences file, or the regular file its
+// symlink names when the user owns it (dotfile managers link it). Replacing
+// the link itself would cut it; writing through to a file of someone else's
+// would let the link choose what gets overwritten.
+std::optional<QString> replaceableFile(const QString &fileName, QString *error)
+{
+    const QFileInfo info(fileName);
+    if (!info.isSymLink())
+        return fileName;
+    const QString target = info.canonicalFilePath();
+    struct stat status = {};
+    if (target.isEmpty() || ::stat(QFile::encodeName(target).constData(), &status) != 0 ||
+        !S_ISREG(status.st_mode) || status.st_uid != ::geteuid()) {
+        *error = QStringLiteral("%1 is a link to something other than a file of yours, so it is "
+                                "left as it is")
+                     .arg(fileName);
+        return std::nullopt;
+    }
+    return target;
 }
 
 QString defaultFileName()
@@ -127,8 +165,8 @@ const SettingsPreferencesStore::Snapshot &SettingsPreferencesStore::refresh() co
         m_snapshot = {};
         return m_snapshot;
     }
-    QFile file(m_fileName);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!openRegular(m_fileName, file)) {
         m_snapshot = {FileState::Inaccessible, {}, {}};
         return m_snapshot;
     }
@@ -251,9 +289,13 @@ bool SettingsPreferencesStore::save(const QVariantMap &changes)
 {
     const Snapshot now = m_snapshot;
     if (now.state == FileState::Inaccessible) {
-        m_saveError = QStringLiteral("cannot read %1, so it is left as it is").arg(m_fileName);
+        m_saveError =
+            QStringLiteral("cannot read %1 as a file, so it is left as it is").arg(m_fileName);
         return false;
     }
+    const std::optional<QString> target = replaceableFile(m_fileName, &m_saveError);
+    if (!target)
+        return false;
     const bool mustCopy =
         now.state == FileState::Damaged || (m_copyRequested && now.state == FileState::Readable);
     if (mustCopy && !keepCopy())
@@ -267,7 +309,18 @@ bool SettingsPreferencesStore::save(const QVariantMap &changes)
         m_saveError = QStringLiteral("cannot write a temporary copy of %1").arg(m_fileName);
         return false;
     }
-    QSaveFile file(m_fileName);
+    if (bytes->size() > maximumFileSize) {
+        m_saveError = QStringLiteral("%1 would grow past %2 KiB, so it is left as it is")
+                          .arg(m_fileName)
+                          .arg(maximumFileSize / 1024);
+        return false;
+    }
+    // Nothing changed: the file, its time and its watchers are left alone.
+    if (now.state == FileState::Readable && *bytes == now.bytes) {
+        m_saveError.clear();
+        return true;
+    }
+    QSaveFile file(*target);
     if (!file.open(QIODevice::WriteOnly) || file.write(*bytes) != bytes->size() || !file.commit()) {
         m_saveError = QStringLiteral("cannot write %1: %2").arg(m_fileName, file.errorString());
         return false;
@@ -281,8 +334,8 @@ bool SettingsPreferencesStore::save(const QVariantMap &changes)
 
 bool SettingsPreferencesStore::keepCopy()
 {
-    QFile source(m_fileName);
-    if (!source.open(QIODevice::ReadOnly)) {
+    QFile source;
+    if (!openRegular(m_fileName, source)) {
         m_saveError = QStringLiteral("cannot read %1 to keep a copy of it").arg(m_fileName);
         return false;
     }

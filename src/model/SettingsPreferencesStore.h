@@ -15,12 +15,16 @@ class QTimer;
 // file (zonara.conf.lock, the one QSettings itself takes), reads the file
 // afresh and replaces it atomically. QSettings only ever parses bytes that
 // were checked first, in a private copy, so a damaged file cannot crash it
-// and no cached copy hides another process's write.
+// and no cached copy hides another process's write. Only a regular file is
+// read or replaced; a symlink is written through to the regular file it
+// names when that file is the user's own, and left alone otherwise.
 class SettingsPreferencesStore final : public PreferencesStore
 {
 public:
-    // Larger files are treated as damaged, unread.
-    static constexpr qsizetype maximumFileSize = 4 * 1024 * 1024;
+    // Larger files are treated as damaged, unread, and never written.
+    static constexpr qsizetype maximumFileSize = 1024 * 1024;
+    // How long a change waits for another process's lock before it fails.
+    static constexpr int lockTimeoutMs = 60000;
     // Older copies of unreadable files beyond this many are removed.
     static constexpr int keptCopies = 3;
 

@@ -1,6 +1,7 @@
 #include "ZoneStore.h"
 
 #include "PreferencesStore.h"
+#include "ZoneLimits.h"
 #include "ZoneListCodec.h"
 
 #include <QSet>
@@ -90,7 +91,8 @@ std::optional<SavedZone> ZoneStore::zone(const QUuid &id) const
 bool ZoneStore::add(const QString &identifier, const std::optional<QString> &customLabel,
                     bool isPinned)
 {
-    if (!m_lookup.resolves || !m_lookup.resolves(identifier))
+    if (ZoneLimits::nicknameProblem(customLabel) || !m_lookup.resolves ||
+        !m_lookup.resolves(identifier))
         return false;
     const QString saved = m_lookup.canonical ? m_lookup.canonical(identifier) : identifier;
     const SavedZone added{QUuid::createUuid(), saved, customLabel, isPinned};
@@ -101,9 +103,10 @@ bool ZoneStore::add(const QString &identifier, const std::optional<QString> &cus
                     return zone.identifier == added.identifier &&
                            zone.customLabel == added.customLabel;
                 });
-            if (!duplicate)
-                zones.append(added);
-            return !duplicate;
+            if (duplicate || ZoneLimits::countProblem(zones.size()))
+                return false;
+            zones.append(added);
+            return true;
         },
         Announce::always);
 }
@@ -128,6 +131,8 @@ bool ZoneStore::rename(const QUuid &id, const std::optional<QString> &customLabe
         if (!trimmed.isEmpty())
             label = trimmed;
     }
+    if (ZoneLimits::nicknameProblem(label))
+        return false;
     return commit(
         [id, label](QList<SavedZone> &zones) {
             const qsizetype index = indexOf(zones, id);

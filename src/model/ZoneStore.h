@@ -66,13 +66,15 @@ public:
     // The edits below answer whether they changed the list as saved now
     // (including what other processes saved just before).
 
-    // Ignored for an identifier the database does not resolve and for an
-    // exact duplicate (same identifier and same untrimmed nickname).
+    // Ignored for an identifier the database does not resolve, for an exact
+    // duplicate (same identifier and same untrimmed nickname) and beyond the
+    // limits of ZoneLimits.
     bool add(const QString &identifier, const std::optional<QString> &customLabel = std::nullopt,
              bool isPinned = false);
     // Writes the list even when no zone has the id; answers whether one had.
     bool remove(const QUuid &id);
-    // The nickname is trimmed; a blank one means none.
+    // The nickname is trimmed; a blank one means none. Ignored for a nickname
+    // beyond ZoneLimits.
     bool rename(const QUuid &id, const std::optional<QString> &customLabel);
     bool togglePin(const QUuid &id);
     // Sets the pin flag rather than flipping it, for callers that must not

@@ -5,6 +5,7 @@
 #include "CitySearchField.h"
 #include "Clock.h"
 #include "Eyebrow.h"
+#include "ShownUpdate.h"
 #include "TextLine.h"
 #include "ZoneChoices.h"
 #include "ZoneResultDelegate.h"
@@ -122,8 +123,9 @@ AddZoneView::AddZoneView(ZoneStore &store, Clock &clock, bool isEmbedded, QWidge
 
     connect(&m_store, &ZoneStore::zonesChanged, this,
             [this] { m_model->setSavedZones(m_store.zones()); });
-    connect(&m_store, &ZoneStore::formatChanged, this, &AddZoneView::updateTimes);
-    connect(&m_clock, &Clock::nowChanged, this, &AddZoneView::updateTimes);
+    auto *timesUpdate = new ShownUpdate(this, [this] { updateTimes(); });
+    connect(&m_store, &ZoneStore::formatChanged, timesUpdate, &ShownUpdate::request);
+    connect(&m_clock, &Clock::nowChanged, timesUpdate, &ShownUpdate::request);
     m_model->setSavedZones(m_store.zones());
     updateTimes();
     setQuery(QString());

@@ -7,6 +7,7 @@
 #include "NameField.h"
 #include "ReduceMotion.h"
 #include "ScrollAreaAccessible.h"
+#include "ShownUpdate.h"
 #include "TextLine.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneCardStack.h"
@@ -90,8 +91,10 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
     m_pages->addWidget(m_scroll);
 
     connect(&m_store, &ZoneStore::zonesChanged, this, &ZoneCollectionView::rebuild);
-    connect(&m_store, &ZoneStore::formatChanged, this, &ZoneCollectionView::refreshCards);
-    connect(&m_clock, &Clock::nowChanged, this, &ZoneCollectionView::refreshCards);
+    // Only the visible list follows the clock; a hidden one catches up when shown.
+    auto *timesUpdate = new ShownUpdate(this, [this] { refreshCards(); });
+    connect(&m_store, &ZoneStore::formatChanged, timesUpdate, &ShownUpdate::request);
+    connect(&m_clock, &Clock::nowChanged, timesUpdate, &ShownUpdate::request);
     for (const auto signal :
          {&ZoneCollectionState::hoveredIdChanged, &ZoneCollectionState::selectedIdChanged,
           &ZoneCollectionState::editingIdChanged, &ZoneCollectionState::draftNameChanged,

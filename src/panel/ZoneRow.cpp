@@ -6,6 +6,7 @@
 #include "InlineEditButton.h"
 #include "NameField.h"
 #include "TextLine.h"
+#include "ZoneLimits.h"
 #include "ZoneRowTexts.h"
 
 #include <QEvent>
@@ -124,7 +125,9 @@ void ZoneRow::setState(const State &state)
                               old.format != state.format || old.localZone != state.localZone;
     if (textsChanged)
         updateTexts();
-    if (textsChanged || old.isReorderHighlighted != state.isReorderHighlighted ||
+    // Symbols depend on the pin and the handle only, not on the time.
+    if (old.zone.isPinned != state.zone.isPinned ||
+        old.isReorderHighlighted != state.isReorderHighlighted ||
         old.canReorder != state.canReorder)
         updateSymbols();
     if (old.isRenaming != state.isRenaming || old.draftName != state.draftName ||
@@ -193,6 +196,7 @@ void ZoneRow::updateRenaming()
         m_field->setObjectName(QStringLiteral("city-nickname"));
         m_field->setPlaceholderText(QStringLiteral("City name"));
         m_field->setFixedHeight(fieldHeight);
+        m_field->setMaxLength(int(ZoneLimits::maximumNicknameLength));
         m_field->setBoundText(m_state.draftName);
         connect(m_field, &QLineEdit::textEdited, this, &ZoneRow::draftNameEdited);
         const auto save = [this](const QString &text) {

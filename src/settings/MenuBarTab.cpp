@@ -5,6 +5,7 @@
 #include "Eyebrow.h"
 #include "FormGroup.h"
 #include "SettingsTexts.h"
+#include "ShownUpdate.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneStore.h"
 
@@ -75,10 +76,11 @@ MenuBarTab::MenuBarTab(ZoneStore &store, Clock &clock, QWidget *parent)
     layout->addStretch();
 
     connect(&m_store, &ZoneStore::formatChanged, this, &MenuBarTab::updateFormat);
-    connect(&m_store, &ZoneStore::formatChanged, this, &MenuBarTab::updatePreview);
-    connect(&m_store, &ZoneStore::zonesChanged, this, &MenuBarTab::updatePreview);
+    auto *previewUpdate = new ShownUpdate(this, [this] { updatePreview(); });
+    connect(&m_store, &ZoneStore::formatChanged, previewUpdate, &ShownUpdate::request);
+    connect(&m_store, &ZoneStore::zonesChanged, previewUpdate, &ShownUpdate::request);
     connect(&m_store, &ZoneStore::zonesChanged, this, &MenuBarTab::updatePinned);
-    connect(&m_clock, &Clock::nowChanged, this, &MenuBarTab::updatePreview);
+    connect(&m_clock, &Clock::nowChanged, previewUpdate, &ShownUpdate::request);
     updateFormat();
     updatePreview();
     updatePinned();

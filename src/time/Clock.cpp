@@ -74,24 +74,14 @@ void Clock::realign()
 
 void Clock::reschedule()
 {
-    const QTimeZone zone = m_localZone();
-    m_nextBoundary = nextBoundary(m_now, m_showsSeconds, zone);
-    m_timer->start(firstDelay(m_now, m_showsSeconds, zone), false, [this] { onBoundary(false); });
+    m_timer->start(firstDelay(m_now, m_showsSeconds, m_localZone()), [this] { onBoundary(); });
 }
 
-void Clock::onBoundary(bool repeating)
+void Clock::onBoundary()
 {
     setNow(m_timeSource());
-    if (m_now < m_nextBoundary || m_now >= m_nextBoundary.addMSecs(interval().count())) {
-        reschedule();
-        return;
-    }
-    m_nextBoundary = m_nextBoundary.addMSecs(interval().count());
-    if (!repeating)
-        m_timer->start(interval(), true, [this] { onBoundary(true); });
-}
-
-std::chrono::milliseconds Clock::interval() const
-{
-    return m_showsSeconds ? 1000ms : 60'000ms;
+    // Armed afresh for every boundary: a repeating timer keeps its own
+    // monotonic period and lands later each minute, and a tick that came
+    // early or after a sleep finds its boundary again the same way.
+    reschedule();
 }

@@ -56,17 +56,11 @@ Q_SIGNALS:
 
 private:
     void reschedule();
-    void onBoundary(bool repeating);
-    std::chrono::milliseconds interval() const;
+    void onBoundary();
 
     TimeSource m_timeSource;
     ZoneSource m_localZone;
     std::unique_ptr<ClockTimer> m_timer;
     QDateTime m_now;
-    // Where the next tick is due. The repeating timer runs on the monotonic
-    // clock, which can drift from wall time: a tick that lands before its
-    // boundary, or a whole interval late, re-aligns instead of showing a
-    // stale minute.
-    QDateTime m_nextBoundary;
     bool m_showsSeconds = false;
 };

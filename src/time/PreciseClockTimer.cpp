@@ -3,18 +3,17 @@
 PreciseClockTimer::PreciseClockTimer()
 {
     m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
         if (m_onTimeout)
             m_onTimeout();
     });
 }
 
-void PreciseClockTimer::start(std::chrono::milliseconds delay, bool repeating,
-                              std::function<void()> onTimeout)
+void PreciseClockTimer::start(std::chrono::milliseconds delay, std::function<void()> onTimeout)
 {
     m_timer.stop();
     m_onTimeout = std::move(onTimeout);
-    m_timer.setSingleShot(!repeating);
     m_timer.start(delay);
 }
 

@@ -11,8 +11,7 @@ class PreciseClockTimer final : public ClockTimer
 public:
     PreciseClockTimer();
 
-    void start(std::chrono::milliseconds delay, bool repeating,
-               std::function<void()> onTimeout) override;
+    void start(std::chrono::milliseconds delay, std::function<void()> onTimeout) override;
     void stop() override;
 
 private:

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 
 #include <algorithm>
 #include <cstdlib>
@@ -121,12 +122,21 @@ namespace TimeZoneDatabase {
 
 std::optional<QTimeZone> resolve(const QString &identifier)
 {
+    // Qt keeps only a small cache of its own and reads the TZif file again
+    // for every zone beyond it; a tick over many cities would do so for each.
+    // Only names in the index are kept, so the cache is bounded by the
+    // database itself.
+    static QHash<QString, std::optional<QTimeZone>> resolved;
     if (identifier.isEmpty() || !index().contains(identifier))
         return std::nullopt;
+    if (const auto found = resolved.constFind(identifier); found != resolved.cend())
+        return *found;
     QTimeZone zone(identifier.toUtf8());
-    if (!zone.isValid())
-        return std::nullopt;
-    return zone;
+    std::optional<QTimeZone> result;
+    if (zone.isValid())
+        result = zone;
+    resolved.insert(identifier, result);
+    return result;
 }
 
 bool resolves(const QString &identifier)

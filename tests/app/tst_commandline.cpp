@@ -5,11 +5,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -41,6 +43,8 @@ private Q_SLOTS:
     void lineFollowsLocalZone();
     void nothingPinnedPrintsEmptyLine();
     void readingWritesNothing();
+    void failingEditsWriteNothing_data();
+    void failingEditsWriteNothing();
     void errors_data();
     void errors();
     void addAndList();
@@ -264,6 +268,41 @@ void TestCommandLine::readingWritesNothing()
     QCOMPARE(file.readAll(), before);
 }
 
+void TestCommandLine::failingEditsWriteNothing_data()
+{
+    QTest::addColumn<int>("saved"); // cities saved before; none: a first run
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("mentions");
+    QTest::newRow("unknown city, first run") << 0 << QStringList{"pin", "Atlantis"} << "Atlantis";
+    QTest::newRow("unknown city") << 4 << QStringList{"rename", "Atlantis", "A"} << "Atlantis";
+    QTest::newRow("nickname too long")
+        << 4 << QStringList{"rename", "Paris", QString(101, u'n')} << "at most 100 characters";
+    QTest::newRow("list full") << 500 << QStringList{"add", "Europe/Paris"} << "at most 500";
+}
+
+void TestCommandLine::failingEditsWriteNothing()
+{
+    QFETCH(int, saved);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, mentions);
+    QList<SavedZone> zones = workedExampleZones();
+    for (int i = zones.size(); i < saved; ++i)
+        zones.append(
+            {QUuid::createUuid(), QStringLiteral("Asia/Tokyo"), QString::number(i), false});
+    if (saved > 0)
+        saveZones(zones.first(saved));
+    const QFileInfo before(configFile());
+
+    const Result result = run(arguments);
+    QCOMPARE(result.exitCode, 2);
+    QVERIFY2(result.err.contains(mentions), qPrintable(result.err));
+    const QFileInfo after(configFile());
+    QCOMPARE(after.exists(), saved > 0);
+    // Not even rewritten with the same content.
+    if (saved > 0)
+        QCOMPARE(after.lastModified(), before.lastModified());
+}
+
 void TestCommandLine::errors_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -367,6 +406,9 @@ void TestCommandLine::addRefusesDuplicatesAndUnknownZones_data()
         << QStringList{"add", "Mars/Olympus"} << 2 << "unknown time zone \"Mars/Olympus\"";
     QTest::newRow("pseudo zone") << QStringList{"add", "UTC+05:00"} << 2 << "UTC+05:00";
     QTest::newRow("no zone") << QStringList{"add"} << 2 << "takes one time zone";
+    QTest::newRow("nickname too long")
+        << QStringList{"add", "Asia/Tokyo", "--nickname", QString(101, u'n')} << 2
+        << "at most 100 characters";
 }
 
 void TestCommandLine::addRefusesDuplicatesAndUnknownZones()
@@ -661,7 +703,8 @@ void TestCommandLine::unsavedEditsFail()
 void TestCommandLine::deepNestingLoadsEmpty()
 {
     // Arrays nested 100,000 deep as the stored list: a crash at every start
-    // once, now an unreadable list kept aside at the next edit.
+    // once, now an unreadable list (beyond the file's size limit too) kept
+    // aside at the next edit.
     QByteArray deep("bplist00");
     QByteArray table;
     constexpr quint32 depth = 100000;
@@ -678,23 +721,25 @@ void TestCommandLine::deepNestingLoadsEmpty()
         for (int shift = 56; shift >= 0; shift -= 8)
             deep += char(value >> shift);
     {
-        SettingsPreferencesStore preferences(configFile());
-        preferences.writeBytes(ZoneStore::zonesKey, deep);
-        preferences.writeBool(ZoneStore::seededKey, true);
+        // Written past our own writer, which keeps files under its size limit.
+        QSettings settings(configFile(), QSettings::IniFormat);
+        settings.setValue(ZoneStore::zonesKey, deep);
+        settings.setValue(ZoneStore::seededKey, true);
     }
+    // Read as no file at all: a first run's list.
     const Result list = run({"list", "--json"});
     QCOMPARE(list.exitCode, 0);
-    QCOMPARE(list.out, QStringLiteral("[]\n"));
+    QCOMPARE(QJsonDocument::fromJson(list.out.toUtf8()).array().size(), 1);
     const Result added = run({"add", "Asia/Tokyo"});
     QCOMPARE(added.exitCode, 0);
     QVERIFY2(added.err.contains(QStringLiteral("could not be read")), qPrintable(added.err));
     const QStringList copies = QDir(m_home->filePath(QStringLiteral("zonara")))
                                    .entryList({QStringLiteral("zonara.conf.unreadable-*")});
     QCOMPARE(copies.size(), 1);
-    const SettingsPreferencesStore copy(
-        m_home->filePath(QStringLiteral("zonara/") + copies.first()));
-    QCOMPARE(copy.readBytes(ZoneStore::zonesKey), std::optional(deep));
-    QCOMPARE(names(), QStringList{QStringLiteral("Tokyo")});
+    const QSettings copy(m_home->filePath(QStringLiteral("zonara/") + copies.first()),
+                         QSettings::IniFormat);
+    QCOMPARE(copy.value(ZoneStore::zonesKey).toByteArray(), deep);
+    QCOMPARE(names(), (QStringList{QStringLiteral("New York"), QStringLiteral("Tokyo")}));
     QVERIFY(run({"add", "UTC"}).err.isEmpty()); // said once
 }
 

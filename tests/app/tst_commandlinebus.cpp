@@ -6,6 +6,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -32,6 +33,8 @@ private Q_SLOTS:
     void editsReachTheRunningInstance();
     void lineReachesApplets_data();
     void lineReachesApplets();
+    void refusedEditsChangeNothing_data();
+    void refusedEditsChangeNothing();
 
 private:
     QProcessEnvironment environment() const;
@@ -209,6 +212,44 @@ void TestCommandLineBus::lineReachesApplets()
         ZoneListCodec::decode(stored.arguments().value(0).toByteArray());
     QVERIFY(zones);
     QCOMPARE(cities.size(), zones->size());
+}
+
+void TestCommandLineBus::refusedEditsChangeNothing_data()
+{
+    QTest::addColumn<QString>("nickname");
+    QTest::addColumn<qint64>("deadlineFromNow");
+    QTest::addColumn<QString>("error");
+    // The caller stops waiting before the edit could be sure to end.
+    QTest::newRow("deadline too near")
+        << "Late" << qint64(1000) << "org.freedesktop.DBus.Error.TimedOut";
+    QTest::newRow("deadline passed")
+        << "Late" << qint64(-1000) << "org.freedesktop.DBus.Error.TimedOut";
+    QTest::newRow("nickname too long")
+        << QString(101, u'n') << qint64(600000) << "org.freedesktop.DBus.Error.InvalidArgs";
+}
+
+void TestCommandLineBus::refusedEditsChangeNothing()
+{
+    QFETCH(QString, nickname);
+    QFETCH(qint64, deadlineFromNow);
+    QFETCH(QString, error);
+    QString before;
+    QCOMPARE(run({"list", "--json"}, &before), 0);
+
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        serviceName, QStringLiteral("/io/github/zonara/Zonara"),
+        QStringLiteral("io.github.zonara.Zones1"), QStringLiteral("Add"));
+    call << QStringLiteral("Europe/Paris") << true << nickname << false
+         << QDateTime::currentMSecsSinceEpoch() + deadlineFromNow;
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 5000);
+    QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(reply.errorName(), error);
+
+    // Nothing arrives later either.
+    QTest::qWait(200);
+    QString after;
+    QCOMPARE(run({"list", "--json"}, &after), 0);
+    QCOMPARE(after, before);
 }
 
 QTEST_GUILESS_MAIN(TestCommandLineBus)

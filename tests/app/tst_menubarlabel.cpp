@@ -12,7 +12,7 @@ namespace {
 class IdleTimer final : public ClockTimer
 {
 public:
-    void start(std::chrono::milliseconds, bool, std::function<void()>) override {}
+    void start(std::chrono::milliseconds, std::function<void()>) override {}
     void stop() override {}
 };
 

@@ -1,9 +1,14 @@
 #include "SettingsPreferencesStore.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 class TestSettingsPreferences final : public QObject
 {
@@ -17,6 +22,11 @@ private Q_SLOTS:
     void seesOtherWriters();
     void damagedFileIsKeptAside_data();
     void damagedFileIsKeptAside();
+    void onlyRegularFilesAreReplaced_data();
+    void onlyRegularFilesAreReplaced();
+    void linkToOwnFileIsWrittenThrough();
+    void unchangedValuesLeaveTheFile();
+    void oversizedWriteIsRefused();
 
 private:
     QTemporaryDir m_dir;
@@ -133,6 +143,124 @@ void TestSettingsPreferences::damagedFileIsKeptAside()
         QTest::qWait(20); // the oldest is told by its time
     }
     QCOMPARE(QDir(dir.path()).entryList({QStringLiteral("zonara.conf.unreadable-*")}).size(), 3);
+}
+
+void TestSettingsPreferences::onlyRegularFilesAreReplaced_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("fifo") << "fifo";
+    QTest::newRow("directory") << "directory";
+    QTest::newRow("link to a fifo") << "link to fifo";
+    QTest::newRow("dangling link") << "dangling link";
+    // A link must not choose what gets overwritten, even for root.
+    QTest::newRow("link to another's file") << "link to foreign";
+}
+
+void TestSettingsPreferences::onlyRegularFilesAreReplaced()
+{
+    QFETCH(QString, kind);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    const QString other = dir.filePath(QStringLiteral("other"));
+    const QByteArray otherBytes("[General]\nsecret=1\n");
+    if (kind == u"fifo") {
+        QCOMPARE(::mkfifo(QFile::encodeName(file).constData(), 0600), 0);
+    } else if (kind == u"directory") {
+        QVERIFY(QDir().mkpath(file));
+    } else {
+        if (kind == u"link to fifo") {
+            QCOMPARE(::mkfifo(QFile::encodeName(other).constData(), 0600), 0);
+        } else if (kind == u"link to foreign") {
+            QFile out(other);
+            QVERIFY(out.open(QIODevice::WriteOnly));
+            out.write(otherBytes);
+            out.close();
+            if (::geteuid() != 0)
+                QSKIP("needs root to give the file to another user");
+            QCOMPARE(::chown(QFile::encodeName(other).constData(), 65534, 65534), 0);
+        }
+        QVERIFY(QFile::link(other, file));
+    }
+    const QFileInfo before(file);
+
+    // Neither reading nor writing may block on a FIFO nobody writes to.
+    QElapsedTimer elapsed;
+    elapsed.start();
+    SettingsPreferencesStore preferences(file);
+    QCOMPARE(preferences.readText(QStringLiteral("zonara.format")), std::nullopt);
+    QVERIFY(!preferences.edit([&] {
+        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    }));
+    QVERIFY(elapsed.elapsed() < 5000);
+    QVERIFY(preferences.saveError().contains(file));
+
+    const QFileInfo after(file);
+    QCOMPARE(after.isSymLink(), before.isSymLink());
+    QCOMPARE(after.isDir(), before.isDir());
+    QCOMPARE(after.isFile(), before.isFile());
+    if (kind == u"link to foreign") {
+        QFile kept(other);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), otherBytes);
+    }
+}
+
+void TestSettingsPreferences::linkToOwnFileIsWrittenThrough()
+{
+    QTemporaryDir dir;
+    const QString target = dir.filePath(QStringLiteral("dotfiles/zonara.conf"));
+    const QString link = dir.filePath(QStringLiteral("zonara.conf"));
+    QVERIFY(QDir().mkpath(QFileInfo(target).path()));
+    {
+        SettingsPreferencesStore direct(target);
+        direct.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    }
+    QVERIFY(QFile::link(target, link));
+
+    SettingsPreferencesStore preferences(link);
+    QCOMPARE(preferences.readText(QStringLiteral("zonara.format")),
+             std::optional(QStringLiteral("labelTime12")));
+    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    QVERIFY(preferences.saveError().isEmpty());
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(SettingsPreferencesStore(target).readText(QStringLiteral("zonara.format")),
+             std::optional(QStringLiteral("timeOnly24")));
+}
+
+void TestSettingsPreferences::unchangedValuesLeaveTheFile()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    SettingsPreferencesStore preferences(file);
+    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    const auto inode = [&] {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_ino : 0;
+    };
+    const auto written = inode();
+    QVERIFY(written != 0);
+    // The same value again: a replaced file would have a new inode.
+    QVERIFY(preferences.edit([&] {
+        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    }));
+    QCOMPARE(inode(), written);
+    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    QVERIFY(inode() != written);
+}
+
+void TestSettingsPreferences::oversizedWriteIsRefused()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
+    SettingsPreferencesStore preferences(file);
+    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    QVERIFY(!preferences.edit([&] {
+        preferences.writeBytes(QStringLiteral("zonara.zones"),
+                               QByteArray(SettingsPreferencesStore::maximumFileSize, 'z'));
+    }));
+    QVERIFY(preferences.saveError().contains(QStringLiteral("KiB")));
+    QCOMPARE(SettingsPreferencesStore(file).readBytes(QStringLiteral("zonara.zones")),
+             std::nullopt);
 }
 
 QTEST_GUILESS_MAIN(TestSettingsPreferences)

@@ -1,5 +1,6 @@
 #include "MemoryPreferencesStore.h"
 #include "SettingsPreferencesStore.h"
+#include "ZoneLimits.h"
 #include "ZoneListCodec.h"
 #include "ZoneStore.h"
 
@@ -103,6 +104,8 @@ private Q_SLOTS:
     void add();
     void rename_data();
     void rename();
+    void renameBeyondLimitIsIgnored();
+    void fullListTakesNoMore();
     void togglePin();
     void removeAlwaysAnnounces();
     void unknownIdIsIgnored();
@@ -244,6 +247,11 @@ void TestZoneStore::add_data()
     QTest::newRow("unknown zone") << "Mars/Olympus_Mons" << std::optional<QString>() << false
                                   << QString();
     QTest::newRow("wrong case") << "asia/tokyo" << std::optional<QString>() << false << QString();
+    const QString longest(ZoneLimits::maximumNicknameLength, u'n');
+    QTest::newRow("longest nickname")
+        << "Asia/Tokyo" << std::optional(longest) << true << QString();
+    QTest::newRow("nickname too long")
+        << "Asia/Tokyo" << std::optional<QString>(longest + u'n') << false << QString();
 }
 
 void TestZoneStore::add()
@@ -306,6 +314,35 @@ void TestZoneStore::rename()
     f.store->rename(f.id(1), text);
     QCOMPARE(spy.count(), 2);
     QCOMPARE(f.writes() - writesBefore, 2);
+}
+
+void TestZoneStore::renameBeyondLimitIsIgnored()
+{
+    Fixture f;
+    const QString longest(ZoneLimits::maximumNicknameLength, u'n');
+    // Measured after trimming: the spaces around do not count.
+    QVERIFY(f.store->rename(f.id(1), u"  " + longest + u"  "));
+    QCOMPARE(f.store->zones().at(1).customLabel, std::optional(longest));
+    const int writesBefore = f.writes();
+    QVERIFY(!f.store->rename(f.id(1), longest + u'n'));
+    QCOMPARE(f.store->zones().at(1).customLabel, std::optional(longest));
+    QCOMPARE(f.writes(), writesBefore);
+}
+
+void TestZoneStore::fullListTakesNoMore()
+{
+    Fixture f(0);
+    QList<SavedZone> full;
+    for (qsizetype i = 0; i < ZoneLimits::maximumZones; ++i)
+        full.append({QUuid::createUuid(), QStringLiteral("Asia/Tokyo"), QString::number(i), false});
+    f.store->setZones(full);
+    const int writesBefore = f.writes();
+    QVERIFY(!f.store->add(QStringLiteral("Europe/London")));
+    QCOMPARE(f.store->zones().size(), ZoneLimits::maximumZones);
+    QCOMPARE(f.writes(), writesBefore);
+    // Room again once one is gone.
+    f.store->remove(full.first().id);
+    QVERIFY(f.store->add(QStringLiteral("Europe/London")));
 }
 
 void TestZoneStore::togglePin()

@@ -14,7 +14,7 @@
 class IdleClockTimer final : public ClockTimer
 {
 public:
-    void start(std::chrono::milliseconds, bool, std::function<void()>) override {}
+    void start(std::chrono::milliseconds, std::function<void()>) override {}
     void stop() override {}
 };
 

@@ -490,6 +490,13 @@ void TestZoneCollectionView::clockTickKeepsTheCards()
     w.panel.store->remove(w.panel.id(4));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCOMPARE(w.view->findChildren<ZoneCard *>(), before);
+
+    // Closed, the list lets the clock tick by; shown again, it catches up once.
+    w.window.hide();
+    w.panel.clock->setNow(w.panel.clock->now().addSecs(3600));
+    QCOMPARE(tokyoTime->text(), QStringLiteral("9:31a"));
+    w.window.show();
+    QCOMPARE(tokyoTime->text(), QStringLiteral("10:31a"));
 }
 
 void TestZoneCollectionView::unknownIdentifierShowsDashes()

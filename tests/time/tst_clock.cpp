@@ -14,13 +14,11 @@ public:
     struct Arming
     {
         std::chrono::milliseconds delay;
-        bool repeating;
     };
 
-    void start(std::chrono::milliseconds delay, bool repeating,
-               std::function<void()> onTimeout) override
+    void start(std::chrono::milliseconds delay, std::function<void()> onTimeout) override
     {
-        armings.append({delay, repeating});
+        armings.append({delay});
         m_onTimeout = std::move(onTimeout);
         armed = true;
     }
@@ -29,8 +27,7 @@ public:
     {
         QVERIFY(armed);
         const auto onTimeout = m_onTimeout;
-        if (!armings.constLast().repeating)
-            armed = false;
+        armed = false;
         onTimeout();
     }
 
@@ -73,9 +70,8 @@ private Q_SLOTS:
     void firstDelay_data();
     void firstDelay();
     void constructionWaitsForTheBoundary();
-    void oneShotThenRepeating();
-    void earlyTickRealigns();
-    void lateTickRealigns();
+    void eachTickArmsTheNextBoundary_data();
+    void eachTickArmsTheNextBoundary();
     void sameShowsSecondsChangesNothing();
     void switchingToSecondsRearms();
     void realignTakesTheTimeAndRearms_data();
@@ -118,61 +114,37 @@ void TestClock::constructionWaitsForTheBoundary()
     QVERIFY(!f.clock->showsSeconds());
     QCOMPARE(f.timer->armings.size(), 1);
     QCOMPARE(f.last().delay, 29750ms);
-    QVERIFY(!f.last().repeating);
 }
 
-void TestClock::oneShotThenRepeating()
+void TestClock::eachTickArmsTheNextBoundary_data()
 {
-    Fixture f(QStringLiteral("12:00:59.990"));
-    QCOMPARE(f.last().delay, 50ms);
-    QSignalSpy spy(f.clock.get(), &Clock::nowChanged);
+    QTest::addColumn<bool>("seconds");
+    QTest::addColumn<QString>("firedAt");
+    QTest::addColumn<int>("expectedMs");
+    QTest::newRow("late by 41 ms") << false << "12:01:00.041" << 59959;
+    // The timer drifted from wall time: the boundary is still ahead.
+    QTest::newRow("early") << false << "12:00:59.980" << 50;
+    // Asleep without notice: minutes late, mid-minute.
+    QTest::newRow("minutes late") << false << "12:07:20.500" << 39500;
+    QTest::newRow("seconds, late by 12 ms") << true << "12:00:42.012" << 988;
+}
 
-    f.time = at(QStringLiteral("12:01:00.041"));
+void TestClock::eachTickArmsTheNextBoundary()
+{
+    QFETCH(bool, seconds);
+    QFETCH(QString, firedAt);
+    QFETCH(int, expectedMs);
+    Fixture f(QStringLiteral("12:00:30.250"));
+    f.clock->setShowsSeconds(seconds);
+    QSignalSpy spy(f.clock.get(), &Clock::nowChanged);
+    const qsizetype armings = f.timer->armings.size();
+    f.time = at(firedAt);
     f.timer->fire();
     QCOMPARE(f.clock->now(), f.time);
     QCOMPARE(spy.count(), 1);
-    QCOMPARE(f.timer->armings.size(), 2);
-    QCOMPARE(f.last().delay, 60000ms);
-    QVERIFY(f.last().repeating);
-
-    // Further ticks keep the repeating timer: nothing is armed again.
-    for (int minute = 2; minute < 5; ++minute) {
-        f.time = at(QStringLiteral("12:0%1:00.043").arg(minute));
-        f.timer->fire();
-        QCOMPARE(f.clock->now(), f.time);
-    }
-    QCOMPARE(f.timer->armings.size(), 2);
-    QCOMPARE(spy.count(), 4);
-}
-
-void TestClock::earlyTickRealigns()
-{
-    Fixture f(QStringLiteral("12:00:30.000"));
-    f.time = at(QStringLiteral("12:01:00.010"));
-    f.timer->fire();
-    // The monotonic timer drifted: the tick lands a little before 12:02.
-    f.time = at(QStringLiteral("12:01:59.980"));
-    f.timer->fire();
-    QCOMPARE(f.timer->armings.size(), 3);
-    QCOMPARE(f.last().delay, 50ms);
-    QVERIFY(!f.last().repeating);
-    f.time = at(QStringLiteral("12:02:00.031"));
-    f.timer->fire();
-    QCOMPARE(f.clock->now(), f.time);
-    QVERIFY(f.last().repeating);
-}
-
-void TestClock::lateTickRealigns()
-{
-    Fixture f(QStringLiteral("12:00:30.000"));
-    f.time = at(QStringLiteral("12:01:00.010"));
-    f.timer->fire();
-    // Asleep without notice: the next tick comes minutes late, mid-minute.
-    f.time = at(QStringLiteral("12:07:20.500"));
-    f.timer->fire();
-    QCOMPARE(f.clock->now(), f.time);
-    QCOMPARE(f.last().delay, 39500ms);
-    QVERIFY(!f.last().repeating);
+    QCOMPARE(f.timer->armings.size(), armings + 1);
+    QCOMPARE(f.last().delay, std::chrono::milliseconds(expectedMs));
+    QVERIFY(f.timer->armed);
 }
 
 void TestClock::sameShowsSecondsChangesNothing()
@@ -197,17 +169,10 @@ void TestClock::switchingToSecondsRearms()
     QCOMPARE(secondsSpy.count(), 1);
     QCOMPARE(f.clock->now(), f.time);
     QCOMPARE(f.last().delay, 10ms);
-    QVERIFY(!f.last().repeating);
-
-    f.time = at(QStringLiteral("12:00:42.012"));
-    f.timer->fire();
-    QCOMPARE(f.last().delay, 1000ms);
-    QVERIFY(f.last().repeating);
 
     f.time = at(QStringLiteral("12:00:42.500"));
     f.clock->setShowsSeconds(false);
     QCOMPARE(f.last().delay, 17500ms);
-    QVERIFY(!f.last().repeating);
 }
 
 void TestClock::realignTakesTheTimeAndRearms_data()
@@ -229,13 +194,11 @@ void TestClock::realignTakesTheTimeAndRearms()
     f.clock->setShowsSeconds(seconds);
     f.time = at(seconds ? QStringLiteral("12:00:31.010") : QStringLiteral("12:01:00.010"));
     f.timer->fire();
-    QVERIFY(f.last().repeating);
 
     f.time = at(newTime);
     f.clock->realign();
     QCOMPARE(f.clock->now(), f.time);
     QCOMPARE(f.last().delay, std::chrono::milliseconds(expectedMs));
-    QVERIFY(!f.last().repeating);
 }
 
 void TestClock::nowAnnouncesOnlyChanges()

@@ -28,8 +28,8 @@ int usage()
     std::cerr << "usage:\n"
                  "  zonara-sign-release generate-keys SECRET_KEY_FILE\n"
                  "  zonara-sign-release public-key SECRET_KEY_FILE\n"
-                 "  zonara-sign-release sign SECRET_KEY_FILE RELEASE_FILE DOWNLOAD_URL\n"
-                 "  zonara-sign-release verify PUBLIC_KEY RELEASE_FILE SIGNATURE\n";
+                 "  zonara-sign-release sign SECRET_KEY_FILE RELEASE_FILE DOWNLOAD_URL VERSION\n"
+                 "  zonara-sign-release verify PUBLIC_KEY RELEASE_FILE VERSION SIGNATURE\n";
     return usageError;
 }
 
@@ -148,6 +148,33 @@ bool isAcceptedUrl(std::string_view url)
     return false;
 }
 
+// Versions are dotted numbers; anything else could break the statement's lines.
+bool isAcceptedVersion(std::string_view version)
+{
+    if (version.empty() || version.size() > 64 || version.front() == '.' || version.back() == '.')
+        return false;
+    for (const char c : version) {
+        if (!(c >= '0' && c <= '9') && c != '.')
+            return false;
+    }
+    return version.find("..") == std::string_view::npos;
+}
+
+// What the signature covers: the file bound to the product and the version
+// it is released as, the same text the program checks (UpdateSignature).
+Bytes releaseStatement(const Bytes &release, std::string_view version)
+{
+    unsigned char digest[crypto_hash_sha512_BYTES];
+    crypto_hash_sha512(digest, release.data(), release.size());
+    std::string hex(sizeof digest * 2 + 1, '\0');
+    sodium_bin2hex(hex.data(), hex.size(), digest, sizeof digest);
+    hex.pop_back();
+    const std::string text = "zonara-release 1\nproduct io.github.zonara.Zonara\nversion " +
+                             std::string(version) + "\nlength " + std::to_string(release.size()) +
+                             "\nsha512 " + hex + '\n';
+    return Bytes(text.begin(), text.end());
+}
+
 int generateKeys(const std::string &secretKeyFile)
 {
     unsigned char publicKey[crypto_sign_PUBLICKEYBYTES];
@@ -184,10 +211,15 @@ int printPublicKey(const std::string &secretKeyFile)
     return 0;
 }
 
-int sign(const std::string &secretKeyFile, const std::string &releaseFile, const std::string &url)
+int sign(const std::string &secretKeyFile, const std::string &releaseFile, const std::string &url,
+         const std::string &version)
 {
     if (!isAcceptedUrl(url)) {
         std::cerr << "The download address must start with https://\n";
+        return usageError;
+    }
+    if (!isAcceptedVersion(version)) {
+        std::cerr << "The version must be dotted numbers, such as 1.4.0\n";
         return usageError;
     }
     auto secret = readSecretKey(secretKeyFile);
@@ -198,24 +230,26 @@ int sign(const std::string &secretKeyFile, const std::string &releaseFile, const
         std::cerr << "Cannot read " << releaseFile << " (or it is empty)\n";
         return 1;
     }
+    const Bytes statement = releaseStatement(*release, version);
     unsigned char signature[crypto_sign_BYTES];
-    crypto_sign_detached(signature, nullptr, release->data(), release->size(), secret->data());
+    crypto_sign_detached(signature, nullptr, statement.data(), statement.size(), secret->data());
     unsigned char publicKey[crypto_sign_PUBLICKEYBYTES];
     crypto_sign_ed25519_sk_to_pk(publicKey, secret->data());
     sodium_memzero(secret->data(), secret->size());
     // A damaged key file would sign releases no one can verify.
-    if (crypto_sign_verify_detached(signature, release->data(), release->size(), publicKey) != 0) {
+    if (crypto_sign_verify_detached(signature, statement.data(), statement.size(), publicKey) !=
+        0) {
         std::cerr << "The signature does not verify; the secret key file is damaged\n";
         return 1;
     }
     std::cout << "<enclosure url=\"" << xmlAttribute(url) << "\" length=\"" << release->size()
-              << "\" type=\"" << contentType(releaseFile) << "\" sparkle:edSignature=\""
-              << toBase64(signature, sizeof signature) << "\"/>\n";
+              << "\" type=\"" << contentType(releaseFile) << "\" sparkle:version=\"" << version
+              << "\" sparkle:edSignature=\"" << toBase64(signature, sizeof signature) << "\"/>\n";
     return 0;
 }
 
 int verify(const std::string &publicKeyText, const std::string &releaseFile,
-           const std::string &signatureText)
+           const std::string &version, const std::string &signatureText)
 {
     const auto publicKey = fromBase64(publicKeyText);
     const auto signature = fromBase64(signatureText);
@@ -232,7 +266,8 @@ int verify(const std::string &publicKeyText, const std::string &releaseFile,
         std::cerr << "Cannot read " << releaseFile << '\n';
         return 1;
     }
-    if (crypto_sign_verify_detached(signature->data(), release->data(), release->size(),
+    const Bytes statement = releaseStatement(*release, version);
+    if (crypto_sign_verify_detached(signature->data(), statement.data(), statement.size(),
                                     publicKey->data()) != 0) {
         std::cout << "invalid\n";
         return 1;
@@ -254,9 +289,9 @@ int main(int argc, char *argv[])
         return generateKeys(args[1]);
     if (args.size() == 2 && args[0] == "public-key")
         return printPublicKey(args[1]);
-    if (args.size() == 4 && args[0] == "sign")
-        return sign(args[1], args[2], args[3]);
-    if (args.size() == 4 && args[0] == "verify")
-        return verify(args[1], args[2], args[3]);
+    if (args.size() == 5 && args[0] == "sign")
+        return sign(args[1], args[2], args[3], args[4]);
+    if (args.size() == 5 && args[0] == "verify")
+        return verify(args[1], args[2], args[3], args[4]);
     return usage();
 }

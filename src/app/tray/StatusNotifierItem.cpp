@@ -20,10 +20,13 @@ namespace {
 
 const QString appName = QStringLiteral("Zonara");
 
+// Hosts that announce a change re-read every property, the pixmaps too, so
+// they are kept few: hosts that draw larger take the installed icon by name,
+// or scale these.
 SniIconPixmapList globePixmaps()
 {
     SniIconPixmapList pixmaps;
-    for (int size : GlobeIcon::sizes())
+    for (int size : {16, 32})
         pixmaps.append(SniIconPixmap::fromImage(GlobeIcon::image(size)));
     return pixmaps;
 }
@@ -105,15 +108,22 @@ void StatusNotifierItem::setHosted(bool hosted)
 void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName,
                                  const QString &guide)
 {
-    if (text == m_text && accessibleName == m_accessibleName && guide == m_guide)
-        return;
+    // Each announcement makes hosts read the item again, so only what
+    // changed is announced.
+    const QString oldLabel = label();
+    const QString oldGuide = labelGuide();
+    const QString oldTitle = title();
+    const QString oldToolTip = toolTip().title;
     m_text = text;
     m_accessibleName = accessibleName;
     m_guide = guide;
-    Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
+    if (label() != oldLabel || labelGuide() != oldGuide)
+        Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
     // Some hosts re-read the label only on NewTitle.
-    Q_EMIT m_adaptor->NewTitle();
-    Q_EMIT m_adaptor->NewToolTip();
+    if (title() != oldTitle)
+        Q_EMIT m_adaptor->NewTitle();
+    if (toolTip().title != oldToolTip)
+        Q_EMIT m_adaptor->NewToolTip();
 }
 
 QString StatusNotifierItem::title() const

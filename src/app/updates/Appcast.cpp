@@ -95,7 +95,8 @@ bool isShallow(const QByteArray &document)
 bool isUsable(const AppcastItem &item)
 {
     return UpdateVersion::isValid(item.version) && item.downloadUrl.isValid() &&
-           !item.downloadUrl.isRelative() && item.length > 0 && !item.signature.isEmpty();
+           !item.downloadUrl.isRelative() && item.length > 0 &&
+           item.length <= Appcast::maximumReleaseSize && !item.signature.isEmpty();
 }
 
 } // namespace

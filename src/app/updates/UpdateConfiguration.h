@@ -28,6 +28,8 @@ struct UpdateConfiguration
     // The first automatic check waits this long after start.
     std::chrono::milliseconds firstCheckDelay{std::chrono::minutes(1)};
     qint64 maximumFeedSize = 1024 * 1024;
+    // Space a download must leave free on its disk, beyond its own size.
+    qint64 freeSpaceReserve = 64 * 1024 * 1024;
 
     std::function<QDateTime()> currentTime = [] { return QDateTime::currentDateTimeUtc(); };
     // Starts the replaced AppImage in place of this process.

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QTemporaryFile>
 
 namespace {
@@ -320,19 +321,29 @@ void UpdateEngine::beginDownload(const AppcastItem &item, UpdateOrigin origin)
                                   ? QFileInfo(m_configuration.appImagePath).absolutePath()
                                   : m_configuration.downloadDirectory;
     // Hidden, and removed on any failure: nothing unverified is left visible.
+    // The whole release lands on disk before it can be verified: it must
+    // fit with room to spare, so that a feed cannot fill the disk.
+    bool roomy = true;
     if (!directory.isEmpty() && QDir().mkpath(directory)) {
-        m_download = std::make_unique<QTemporaryFile>(
-            QDir(directory).filePath(QStringLiteral(".zonara-update-XXXXXX")));
+        const QStorageInfo disk(directory);
+        roomy = !disk.isValid() ||
+                disk.bytesAvailable() - item.length >= m_configuration.freeSpaceReserve;
+        if (roomy) {
+            m_download = std::make_unique<QTemporaryFile>(
+                QDir(directory).filePath(QStringLiteral(".zonara-update-XXXXXX")));
+        }
     }
     if (!m_download || !m_download->open()) {
         m_download.reset();
         UpdateInstallResult failed;
         failed.origin = origin;
         failed.item = item;
-        failed.message = directory.isEmpty()
-                             ? QStringLiteral("There is no folder to save the update in.")
-                             : QStringLiteral("The update could not be saved in %1.")
-                                   .arg(QDir::toNativeSeparators(directory));
+        const QString shown = QDir::toNativeSeparators(directory);
+        failed.message =
+            directory.isEmpty() ? QStringLiteral("There is no folder to save the update in.")
+            : !roomy
+                ? QStringLiteral("There is not enough free space in %1 for the update.").arg(shown)
+                : QStringLiteral("The update could not be saved in %1.").arg(shown);
         // Results always come after the call that asked for them.
         QMetaObject::invokeMethod(
             this, [this, failed] { finishInstall(failed); }, Qt::QueuedConnection);
@@ -368,8 +379,8 @@ void UpdateEngine::onDownloadFinished(UpdateTransfer::Result result)
         return;
     }
     if (!m_download->flush() ||
-        !UpdateSignature::verifyFile(m_download->fileName(), m_downloadItem.signature,
-                                     m_publicKey)) {
+        !UpdateSignature::verifyRelease(m_download->fileName(), m_downloadItem.version,
+                                        m_downloadItem.signature, m_publicKey)) {
         m_download.reset();
         install.message = QStringLiteral("The update's signature is not valid, so it was "
                                          "discarded. Nothing was installed.");

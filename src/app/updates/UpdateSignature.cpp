@@ -30,20 +30,43 @@ bool UpdateSignature::verify(QByteArrayView data, const QByteArray &signature,
            0;
 }
 
-bool UpdateSignature::verifyFile(const QString &fileName, const QByteArray &signature,
-                                 const QByteArray &publicKey)
+QByteArray UpdateSignature::releaseStatement(const QString &version, qint64 length,
+                                             const QByteArray &sha512)
+{
+    return QByteArray("zonara-release 1\nproduct ") + product + "\nversion " + version.toUtf8() +
+           "\nlength " + QByteArray::number(length) + "\nsha512 " + sha512.toHex() + '\n';
+}
+
+std::optional<QByteArray> UpdateSignature::fileSha512(const QString &fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    crypto_hash_sha512_state state;
+    crypto_hash_sha512_init(&state);
+    QByteArray piece(1 << 16, Qt::Uninitialized);
+    for (;;) {
+        const qint64 read = file.read(piece.data(), piece.size());
+        if (read < 0)
+            return std::nullopt;
+        if (read == 0)
+            break;
+        crypto_hash_sha512_update(&state, reinterpret_cast<const unsigned char *>(piece.data()),
+                                  static_cast<unsigned long long>(read));
+    }
+    QByteArray digest(crypto_hash_sha512_BYTES, Qt::Uninitialized);
+    crypto_hash_sha512_final(&state, reinterpret_cast<unsigned char *>(digest.data()));
+    return digest;
+}
+
+bool UpdateSignature::verifyRelease(const QString &fileName, const QString &version,
+                                    const QByteArray &signature, const QByteArray &publicKey)
+{
+    // A version that could break the statement's lines is never signed.
+    if (version.isEmpty() || version.contains(u'\n'))
         return false;
-    const qint64 size = file.size();
-    if (size == 0)
-        return verify(QByteArrayView(), signature, publicKey);
-    uchar *mapped = file.map(0, size);
-    if (!mapped)
+    const std::optional<QByteArray> digest = fileSha512(fileName);
+    if (!digest)
         return false;
-    const bool valid =
-        verify(QByteArrayView(reinterpret_cast<const char *>(mapped), size), signature, publicKey);
-    file.unmap(mapped);
-    return valid;
+    return verify(releaseStatement(version, QFile(fileName).size(), *digest), signature, publicKey);
 }

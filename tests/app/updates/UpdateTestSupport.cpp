@@ -1,5 +1,7 @@
 #include "UpdateTestSupport.h"
 
+#include "UpdateSignature.h"
+
 #include <QTcpSocket>
 
 #include <sodium.h>
@@ -79,6 +81,15 @@ QByteArray sign(const QByteArray &data, const KeyPair &keys)
                          static_cast<unsigned long long>(data.size()),
                          reinterpret_cast<const unsigned char *>(keys.secretKey.constData()));
     return signature;
+}
+
+QByteArray signRelease(const QByteArray &file, const QString &version, const KeyPair &keys)
+{
+    QByteArray digest(crypto_hash_sha512_BYTES, '\0');
+    crypto_hash_sha512(reinterpret_cast<unsigned char *>(digest.data()),
+                       reinterpret_cast<const unsigned char *>(file.constData()),
+                       static_cast<unsigned long long>(file.size()));
+    return sign(UpdateSignature::releaseStatement(version, file.size(), digest), keys);
 }
 
 QByteArray feed(const QList<FeedItem> &items)

@@ -67,6 +67,8 @@ struct KeyPair
 
 KeyPair makeKeyPair();
 QByteArray sign(const QByteArray &data, const KeyPair &keys);
+// The signature of a release file as tools/sign-release makes it.
+QByteArray signRelease(const QByteArray &file, const QString &version, const KeyPair &keys);
 
 struct FeedItem
 {

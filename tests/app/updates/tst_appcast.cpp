@@ -93,6 +93,12 @@ void TestAppcast::items_data()
                "<enclosure url=\"https://zonara.example/z\" length=\"0\" sparkle:edSignature=\"" +
                signature + "\"/></item>")
         << 0 << QString();
+    // The whole file is written before it can be verified: the feed may not ask for more.
+    QTest::newRow("item larger than any release is left out")
+        << rss("<item>" + version + "<enclosure url=\"https://zonara.example/z\" length=\"" +
+               QByteArray::number(Appcast::maximumReleaseSize + 1) + "\" sparkle:edSignature=\"" +
+               signature + "\"/></item>")
+        << 0 << QString();
     QTest::newRow("undeclared sparkle prefix")
         << QByteArray("<rss><channel><item><version>2.0</version>" + enclosure() +
                       "</item></channel></rss>")

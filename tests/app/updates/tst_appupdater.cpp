@@ -112,7 +112,7 @@ void TestAppUpdater::serveRelease(const QString &version)
     const QString path = QStringLiteral("/Zonara-%1.AppImage").arg(version);
     m_server->serve(QStringLiteral("/appcast.xml"),
                     {200, feed({{version, m_server->url(path), payload.size(),
-                                 sign(payload, m_keys), version + " (shown)"}})});
+                                 signRelease(payload, version, m_keys), version + " (shown)"}})});
     m_server->serve(path, {200, payload});
 }
 

@@ -75,7 +75,8 @@ void TestSignRelease::signedReleaseVerifiesInTheUpdater()
     // Characters that XML escapes must survive the trip through the feed.
     const QString url =
         QStringLiteral("https://downloads.zonara.example/get?f=Zonara&a=x86_64&n='z'");
-    const Run signedRun = runTool({QStringLiteral("sign"), m_secretKey, m_release, url});
+    const Run signedRun =
+        runTool({QStringLiteral("sign"), m_secretKey, m_release, url, QStringLiteral("2.0.0")});
     QCOMPARE(signedRun.exitCode, 0);
     const auto items = Appcast::parse("<rss xmlns:sparkle=\"http://www.andymatuschak.org/"
                                       "xml-namespaces/sparkle\"><channel><item><sparkle:version>"
@@ -87,12 +88,18 @@ void TestSignRelease::signedReleaseVerifiesInTheUpdater()
     QCOMPARE(item.length, QFileInfo(m_release).size());
     const auto key = UpdateSignature::publicKeyFromBase64(m_publicKey);
     QVERIFY(key);
-    QVERIFY(UpdateSignature::verifyFile(m_release, item.signature, *key));
-
-    const Run verified = runTool({QStringLiteral("verify"), QString::fromLatin1(m_publicKey),
-                                  m_release, QString::fromLatin1(item.signature.toBase64())});
-    QCOMPARE(verified.exitCode, 0);
-    QCOMPARE(verified.out, QByteArray("valid"));
+    QCOMPARE(item.version, QStringLiteral("2.0.0"));
+    // The tool and the updater agree on what is signed, and both bind the version.
+    QVERIFY(UpdateSignature::verifyRelease(m_release, item.version, item.signature, *key));
+    QVERIFY(
+        !UpdateSignature::verifyRelease(m_release, QStringLiteral("2.0.1"), item.signature, *key));
+    for (const QString &version : {QStringLiteral("2.0.0"), QStringLiteral("3.0.0")}) {
+        const Run verified =
+            runTool({QStringLiteral("verify"), QString::fromLatin1(m_publicKey), m_release, version,
+                     QString::fromLatin1(item.signature.toBase64())});
+        QCOMPARE(verified.exitCode, version == u"2.0.0" ? 0 : 1);
+        QCOMPARE(verified.out, QByteArray(version == u"2.0.0" ? "valid" : "invalid"));
+    }
 }
 
 void TestSignRelease::refusals_data()
@@ -101,13 +108,18 @@ void TestSignRelease::refusals_data()
     QTest::addColumn<int>("exitCode");
     QTest::newRow("no command") << QStringList() << 2;
     QTest::newRow("plain HTTP download address")
-        << QStringList{"sign", "KEY", "RELEASE", "http://downloads.zonara.example/z"} << 2;
+        << QStringList{"sign", "KEY", "RELEASE", "http://downloads.zonara.example/z", "1.0"} << 2;
+    QTest::newRow("no version") << QStringList{"sign", "KEY", "RELEASE", "https://zonara.example/z"}
+                                << 2;
+    QTest::newRow("version that is not dotted numbers")
+        << QStringList{"sign", "KEY", "RELEASE", "https://zonara.example/z", "1.0\nlength 1"} << 2;
     QTest::newRow("missing key file")
-        << QStringList{"sign", "/nonexistent/key", "RELEASE", "https://zonara.example/z"} << 1;
+        << QStringList{"sign", "/nonexistent/key", "RELEASE", "https://zonara.example/z", "1.0"}
+        << 1;
     QTest::newRow("key file that holds no key")
-        << QStringList{"sign", "RELEASE", "RELEASE", "https://zonara.example/z"} << 1;
+        << QStringList{"sign", "RELEASE", "RELEASE", "https://zonara.example/z", "1.0"} << 1;
     QTest::newRow("verify with a wrong signature")
-        << QStringList{"verify", "PUBLIC", "RELEASE",
+        << QStringList{"verify", "PUBLIC", "RELEASE", "2.0.0",
                        QString::fromLatin1(QByteArray(64, 'a').toBase64())}
         << 1;
 }

@@ -23,7 +23,8 @@ const QString appImageName = QStringLiteral("Zonara.AppImage");
 const QString savedName = QStringLiteral("Zonara-1.0.0-x86_64.AppImage");
 const QByteArray oldBuild = QByteArrayLiteral("the build that is running now");
 
-enum class Signing { Valid, OtherData, OtherKey };
+// OlderRelease: genuinely signed, but as another (older) version than announced.
+enum class Signing { Valid, OtherData, OtherKey, OlderRelease };
 enum class Address { Served, Refused, Insecure };
 
 } // namespace
@@ -50,6 +51,7 @@ private Q_SLOTS:
     void install_data();
     void install();
     void installKeepsExistingDownload();
+    void downloadNeedsRoom();
     void cancelDownload();
     void allowsAutomaticUpdates_data();
     void allowsAutomaticUpdates();
@@ -118,9 +120,12 @@ void TestUpdateEngine::serveRelease(const Response &file, Signing signing, Addre
 {
     const QByteArray payload = releasePayload(QStringLiteral("1.0.0"));
     const QString path = u'/' + savedName;
-    const QByteArray signature = signing == Signing::OtherData  ? sign(payload + "!", m_keys)
-                                 : signing == Signing::OtherKey ? sign(payload, m_otherKeys)
-                                                                : sign(payload, m_keys);
+    const QString version = QStringLiteral("1.0.0");
+    const QByteArray signature =
+        signing == Signing::OtherData      ? signRelease(payload + "!", version, m_keys)
+        : signing == Signing::OtherKey     ? signRelease(payload, version, m_otherKeys)
+        : signing == Signing::OlderRelease ? signRelease(payload, QStringLiteral("0.9.0"), m_keys)
+                                           : signRelease(payload, version, m_keys);
     QUrl url = m_server->url(path);
     if (address == Address::Refused)
         url = LoopbackHttpServer::refusingUrl(path);
@@ -261,6 +266,8 @@ void TestUpdateEngine::install_data()
         << false << Signing::OtherData << served << ok << 0 << failed << badSignature;
     QTest::newRow("wrong key") << true << Signing::OtherKey << served << ok << 0 << failed
                                << badSignature;
+    QTest::newRow("older release relabelled as newer")
+        << true << Signing::OlderRelease << served << ok << 0 << failed << badSignature;
     QTest::newRow("truncated download")
         << false << valid << served << ok << -10 << failed << incomplete;
     QTest::newRow("server hangs up halfway")
@@ -335,6 +342,29 @@ void TestUpdateEngine::install()
     QFile saved(result.path);
     QVERIFY(saved.open(QIODevice::ReadOnly));
     QCOMPARE(saved.readAll(), payload);
+}
+
+void TestUpdateEngine::downloadNeedsRoom()
+{
+    serveRelease({200, {}});
+    UpdateConfiguration cramped = configuration(false);
+    cramped.freeSpaceReserve = std::numeric_limits<qint64>::max() / 2;
+    MemoryPreferencesStore preferences;
+    UpdateEngine engine(preferences, cramped);
+    engine.start();
+    const UpdateCheckResult check = checkNow(engine);
+    QCOMPARE(check.outcome, CheckOutcome::UpdateAvailable);
+    QSignalSpy installed(&engine, &UpdateEngine::installFinished);
+    const int requests = m_server->requestCount();
+    engine.downloadAndInstall(check.item);
+    QVERIFY(installed.wait(waitLimit));
+    const auto result = installed.at(0).at(0).value<UpdateInstallResult>();
+    QCOMPARE(result.outcome, InstallOutcome::Failed);
+    QVERIFY2(result.message.contains(QStringLiteral("not enough free space")),
+             qPrintable(result.message));
+    // Not even asked for.
+    QCOMPARE(m_server->requestCount(), requests);
+    QCOMPARE(entries(m_downloads), QStringList());
 }
 
 void TestUpdateEngine::installKeepsExistingDownload()

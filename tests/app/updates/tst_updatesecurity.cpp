@@ -53,7 +53,15 @@ void TestUpdateSecurity::signature()
     QVERIFY(file.open());
     file.write(release);
     file.flush();
-    QVERIFY(UpdateSignature::verifyFile(file.fileName(), signature, *publicKey));
+    // A release verifies only under the version it was signed as.
+    const QByteArray signedRelease =
+        UpdateTestSupport::signRelease(release, QStringLiteral("1.0.0"), keys);
+    QVERIFY(UpdateSignature::verifyRelease(file.fileName(), QStringLiteral("1.0.0"), signedRelease,
+                                           *publicKey));
+    QVERIFY(!UpdateSignature::verifyRelease(file.fileName(), QStringLiteral("2.0.0"), signedRelease,
+                                            *publicKey));
+    QVERIFY(!UpdateSignature::verifyRelease(file.fileName(), QStringLiteral("1.0.0"), signature,
+                                            *publicKey));
     // Signatures and keys of the wrong size never pass.
     QVERIFY(!UpdateSignature::verify(release, signature.left(63), *publicKey));
     QVERIFY(!UpdateSignature::publicKeyFromBase64(keys.publicKey.left(31).toBase64()));
