@@ -43,6 +43,11 @@ FocusedTextInput::FocusedTextInput(const QString &placeholder, QFont::Weight wei
 
 FocusedTextInput::~FocusedTextInput() = default;
 
+void FocusedTextInput::setSelectsAllOnFocus(bool selectsAll)
+{
+    m_initialFocus->setSelectsAll(selectsAll);
+}
+
 void FocusedTextInput::setBoundText(const QString &text)
 {
     if (this->text() != text)

@@ -24,6 +24,8 @@ public:
     bool isFinished() const { return m_finished; }
 
     const InitialFieldFocus &initialFocus() const { return *m_initialFocus; }
+    // See InitialFieldFocus::setSelectsAll.
+    void setSelectsAllOnFocus(bool selectsAll);
 
 Q_SIGNALS:
     // Return or Enter, with the text at that moment.

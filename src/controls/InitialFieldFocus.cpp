@@ -68,7 +68,10 @@ void InitialFieldFocus::focusWhenReady()
     m_didFocus = true;
     m_field->setFocus(Qt::ActiveWindowFocusReason);
     if (m_field->hasFocus()) {
-        m_field->selectAll();
+        if (m_selectsAll)
+            m_field->selectAll();
+        else
+            m_field->end(false);
         stopObserving();
     }
 }

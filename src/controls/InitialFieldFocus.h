@@ -23,6 +23,10 @@ public:
     void attach();
     void stopObserving();
 
+    // Whether the focused field's text is selected, to be typed over (the
+    // default), or the caret put at its end, to be typed on.
+    void setSelectsAll(bool selectsAll) { m_selectsAll = selectsAll; }
+
     // The initial focus was given, or tried with the window active.
     bool didFocus() const { return m_didFocus; }
 
@@ -37,4 +41,5 @@ private:
     QMetaObject::Connection m_applicationState;
     bool m_didFocus = false;
     bool m_observing = false;
+    bool m_selectsAll = true;
 };

@@ -13,6 +13,14 @@ enum class Command {
     moveDown,       // Alt+Down
     openMenu,       // Menu, Shift+F10
     rename,         // F2, Return, Enter
+    // Planning across zones: the shown moment a quarter hour or an hour
+    // earlier or later.
+    shiftEarlier,     // Left
+    shiftLater,       // Right
+    shiftEarlierHour, // Shift+Left
+    shiftLaterHour,   // Shift+Right
+    copyTime,         // Ctrl+C
+    copyAll,          // Ctrl+Shift+C
 };
 
 Command command(int key, Qt::KeyboardModifiers modifiers);

@@ -51,6 +51,9 @@ void TextLine::paintEvent(QPaintEvent *)
     case Tone::error:
         painter.setPen(AppStyle::errorText(palette()));
         break;
+    case Tone::accent:
+        painter.setPen(AppStyle::accent(palette()));
+        break;
     }
     const QRect area = contentsRect();
     if (wordWrap()) {

@@ -11,7 +11,7 @@ class TextLine : public QLabel
     Q_OBJECT
 
 public:
-    enum class Tone { primary, secondary, error };
+    enum class Tone { primary, secondary, error, accent };
 
     explicit TextLine(const QFont &font, Tone tone = Tone::primary, QWidget *parent = nullptr);
 

@@ -13,10 +13,16 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QVariantAnimation>
+#include <QWheelEvent>
 
+#include <cstdlib>
 #include <utility>
 
 namespace {
+
+// Pointer travel per step of a dragged time, and wheel travel per step.
+constexpr int timeDragStepPixels = 12;
+constexpr int wheelStep = 120;
 
 constexpr int sidePadding = 14;
 constexpr int bottomPadding = 12;
@@ -179,8 +185,11 @@ void ZoneCard::mousePressEvent(QMouseEvent *event)
         event->ignore();
         return;
     }
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         m_pressPosition = event->position().toPoint();
+        m_pressedOnTime = isOnTime(event->position());
+        m_timeStepsDragged = 0;
+    }
     Q_EMIT pressed();
     event->accept();
 }
@@ -192,6 +201,15 @@ void ZoneCard::mouseMoveEvent(QMouseEvent *event)
         return;
     }
     const QPoint position = event->position().toPoint();
+    if (m_pressedOnTime) {
+        // Right is later; each step counts once however the pointer wanders.
+        const int steps = (position.x() - m_pressPosition->x()) / timeDragStepPixels;
+        if (steps != m_timeStepsDragged) {
+            const int minutes = event->modifiers() & Qt::ShiftModifier ? 60 : 15;
+            Q_EMIT timeShiftRequested(steps - std::exchange(m_timeStepsDragged, steps), minutes);
+        }
+        return;
+    }
     if (!m_dragging) {
         if (!m_state.row.canReorder ||
             (position - *m_pressPosition).manhattanLength() < QApplication::startDragDistance())
@@ -209,6 +227,7 @@ void ZoneCard::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     m_pressPosition.reset();
+    m_pressedOnTime = false;
     if (std::exchange(m_dragging, false))
         Q_EMIT dragFinished();
 }
@@ -219,12 +238,42 @@ void ZoneCard::mouseDoubleClickEvent(QMouseEvent *event)
         event->ignore();
         return;
     }
+    if (isOnTime(event->position())) {
+        Q_EMIT timeEntryRequested();
+        return;
+    }
     Q_EMIT doubleClicked();
 }
 
 void ZoneCard::contextMenuEvent(QContextMenuEvent *event)
 {
     Q_EMIT contextMenuRequested(event->globalPos());
+}
+
+void ZoneCard::wheelEvent(QWheelEvent *event)
+{
+    if (!isOnTime(event->position())) {
+        event->ignore(); // the list scrolls
+        return;
+    }
+    // Up or right is later; a touchpad's small deltas add up to whole steps.
+    const QPoint delta = event->angleDelta();
+    m_wheelRemainder += std::abs(delta.y()) >= std::abs(delta.x()) ? delta.y() : -delta.x();
+    const int steps = m_wheelRemainder / wheelStep;
+    m_wheelRemainder -= steps * wheelStep;
+    if (steps != 0)
+        Q_EMIT timeShiftRequested(steps, event->modifiers() & Qt::ShiftModifier ? 60 : 15);
+    event->accept();
+}
+
+bool ZoneCard::isOnTime(const QPointF &position) const
+{
+    const QWidget *time = m_row->timeArea();
+    if (!m_row->state().canShiftTime || !time->isVisible())
+        return false;
+    // A little slack around the digits makes the target easier to hit.
+    const QRect area(time->mapTo(this, QPoint(0, 0)), time->size());
+    return area.adjusted(-6, -8, 6, 8).contains(position.toPoint());
 }
 
 void ZoneCard::updateHighlight(bool animated)

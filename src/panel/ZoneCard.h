@@ -65,6 +65,10 @@ Q_SIGNALS:
     void dragMoved(const QPoint &globalPosition);
     void dragFinished();
     void actionRequested(ZoneMenu::Action action);
+    // Planning across zones: the time dragged or scrolled by `steps` of
+    // `minutes` each (negative for earlier), or double-clicked to type one.
+    void timeShiftRequested(int steps, int minutes);
+    void timeEntryRequested();
     void removalCancelled();
     void removalConfirmed();
     void highlightAmountChanged();
@@ -79,11 +83,13 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
     void updateHighlight(bool animated);
     void updateRemoveColour();
     void setHighlightAmount(qreal amount);
+    bool isOnTime(const QPointF &position) const;
 
     State m_state;
     ZoneRow *m_row;
@@ -95,4 +101,8 @@ private:
     qreal m_highlightAmount = 0;
     std::optional<QPoint> m_pressPosition;
     bool m_dragging = false;
+    // A press on the time drags the time, not the card.
+    bool m_pressedOnTime = false;
+    int m_timeStepsDragged = 0;
+    int m_wheelRemainder = 0;
 };

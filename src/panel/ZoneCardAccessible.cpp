@@ -34,6 +34,7 @@ QString ZoneCardAccessible::text(QAccessible::Text t) const
                       ZoneRowTexts::subtitle(row.zone, row.now, row.localZone)};
     if (row.zone.isPinned)
         parts.append(QStringLiteral("pinned"));
+    parts.append(row.changeNotice);
     parts.removeAll(QString());
     return parts.join(QStringLiteral(", "));
 }
@@ -41,15 +42,19 @@ QString ZoneCardAccessible::text(QAccessible::Text t) const
 QList<ZoneCardAccessible::NamedAction> ZoneCardAccessible::actions() const
 {
     using Action = ZoneMenu::Action;
-    const bool pinned = card()->state().row.zone.isPinned;
-    return {
+    const ZoneRow::State &row = card()->state().row;
+    QList<NamedAction> actions{
         {QStringLiteral("Rename"), Action::rename},
-        {pinned ? QStringLiteral("Unpin") : QStringLiteral("Pin"), Action::togglePin},
+        {row.zone.isPinned ? QStringLiteral("Unpin") : QStringLiteral("Pin"), Action::togglePin},
         {QStringLiteral("Copy time"), Action::copyTime},
+        {QStringLiteral("Copy all"), Action::copyAll},
         {QStringLiteral("Move up"), Action::moveUp},
         {QStringLiteral("Move down"), Action::moveDown},
         {QStringLiteral("Remove city\u2026"), Action::remove},
     };
+    if (row.canShiftTime)
+        actions.insert(4, {QStringLiteral("Set time\u2026"), Action::setTime});
+    return actions;
 }
 
 QStringList ZoneCardAccessible::actionNames() const

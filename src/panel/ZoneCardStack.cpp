@@ -177,6 +177,13 @@ void ZoneCardStack::keyPressEvent(QKeyEvent *event)
     const CollectionKeys::Command command =
         CollectionKeys::command(event->key(), event->modifiers());
     if (command == CollectionKeys::Command::none) {
+        const QString text = event->text();
+        if (text.size() == 1 && text.front().isDigit() &&
+            !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
+            event->accept();
+            Q_EMIT timeTyped(text);
+            return;
+        }
         QWidget::keyPressEvent(event);
         return;
     }

@@ -47,6 +47,8 @@ public:
 
 Q_SIGNALS:
     void commandRequested(CollectionKeys::Command command);
+    // A digit typed on the list: the start of a time for the selected city.
+    void timeTyped(const QString &text);
     // The card at `offset` was dropped before the card at `destination`
     // (counted before the move; the count means the end).
     void reorderRequested(int offset, int destination);

@@ -1,5 +1,6 @@
 #include "ZoneCollectionState.h"
 
+#include "TimeShift.h"
 #include "ZoneStore.h"
 
 #include <algorithm>
@@ -150,10 +151,34 @@ void ZoneCollectionState::confirmRemoval()
     m_store.remove(id);
 }
 
+void ZoneCollectionState::shiftBy(const QDateTime &now, int minutes, const QUuid &anchor)
+{
+    shiftTo(TimeShift::stepped(shownMoment(now), minutes), anchor);
+}
+
+void ZoneCollectionState::shiftTo(const QDateTime &moment, const QUuid &anchor)
+{
+    if (m_shiftedMoment == moment && m_shiftAnchorId == anchor)
+        return;
+    m_shiftedMoment = moment;
+    m_shiftAnchorId = anchor;
+    Q_EMIT shiftedMomentChanged();
+}
+
+void ZoneCollectionState::backToNow()
+{
+    if (!m_shiftedMoment)
+        return;
+    m_shiftedMoment.reset();
+    m_shiftAnchorId.reset();
+    Q_EMIT shiftedMomentChanged();
+}
+
 void ZoneCollectionState::leave()
 {
     finishCurrentRename();
     setRemovingZone(std::nullopt);
+    backToNow();
 }
 
 void ZoneCollectionState::setHoveredId(const std::optional<QUuid> &id)

@@ -2,6 +2,7 @@
 
 #include "SavedZone.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -27,6 +28,12 @@ public:
     std::optional<QUuid> editingId() const { return m_editingId; }
     QString draftName() const { return m_draftName; }
     std::optional<SavedZone> removingZone() const { return m_removingZone; }
+
+    // The moment the list shows instead of now while the user plans across
+    // zones, and the city whose clock was set last, which the strip names.
+    std::optional<QDateTime> shiftedMoment() const { return m_shiftedMoment; }
+    std::optional<QUuid> shiftAnchorId() const { return m_shiftAnchorId; }
+    QDateTime shownMoment(const QDateTime &now) const { return m_shiftedMoment.value_or(now); }
 
     // Hovered or selected.
     bool isHighlighted(const QUuid &id) const;
@@ -67,8 +74,14 @@ public:
     // Removes the zone of the open confirmation.
     void confirmRemoval();
 
+    // Moves the shown moment by `minutes` from where it is, onto the quarter
+    // hours; `anchor` is the city whose clock was moved.
+    void shiftBy(const QDateTime &now, int minutes, const QUuid &anchor);
+    void shiftTo(const QDateTime &moment, const QUuid &anchor);
+    void backToNow();
+
     // The list is going off screen: an open rename is saved, an open
-    // confirmation dropped.
+    // confirmation dropped, and the list goes back to now.
     void leave();
 
 Q_SIGNALS:
@@ -77,6 +90,7 @@ Q_SIGNALS:
     void editingIdChanged();
     void draftNameChanged();
     void removingZoneChanged();
+    void shiftedMomentChanged();
 
 private:
     void setHoveredId(const std::optional<QUuid> &id);
@@ -89,4 +103,6 @@ private:
     std::optional<QUuid> m_editingId;
     QString m_draftName;
     std::optional<SavedZone> m_removingZone;
+    std::optional<QDateTime> m_shiftedMoment;
+    std::optional<QUuid> m_shiftAnchorId;
 };

@@ -9,6 +9,7 @@
 #include "ScrollAreaAccessible.h"
 #include "ShownUpdate.h"
 #include "TextLine.h"
+#include "TimeShift.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneCardStack.h"
 #include "ZoneRowTexts.h"
@@ -29,6 +30,13 @@
 namespace {
 
 constexpr int placeholderSymbolSide = 44;
+
+void putOnClipboard(const QString &text)
+{
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setText(text);
+}
 
 } // namespace
 
@@ -100,6 +108,8 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
           &ZoneCollectionState::editingIdChanged, &ZoneCollectionState::draftNameChanged,
           &ZoneCollectionState::removingZoneChanged})
         connect(&m_state, signal, this, &ZoneCollectionView::refreshCards);
+    connect(&m_state, &ZoneCollectionState::shiftedMomentChanged, this,
+            &ZoneCollectionView::refreshCards);
     connect(&m_state, &ZoneCollectionState::selectedIdChanged, this,
             &ZoneCollectionView::ensureSelectedVisible);
     connect(&m_state, &ZoneCollectionState::selectedIdChanged, this,
@@ -114,6 +124,10 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
     connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this,
             &ZoneCollectionView::updateHoverFromPointer);
     connect(m_stack, &ZoneCardStack::commandRequested, this, &ZoneCollectionView::runCommand);
+    connect(m_stack, &ZoneCardStack::timeTyped, this, [this](const QString &text) {
+        if (m_state.selectedId())
+            beginTimeEntry(*m_state.selectedId(), text);
+    });
     connect(m_stack, &ZoneCardStack::reorderRequested, this,
             [this](int offset, int destination) { m_state.moveDragged({offset}, destination); });
 
@@ -127,6 +141,30 @@ void ZoneCollectionView::setReduceMotion(bool reduceMotion)
         return;
     m_reduceMotion = reduceMotion;
     refreshCards();
+}
+
+void ZoneCollectionView::setCanShiftTime(bool canShift)
+{
+    if (m_canShiftTime == canShift)
+        return;
+    m_canShiftTime = canShift;
+    if (!canShift)
+        m_state.backToNow();
+    refreshCards();
+}
+
+void ZoneCollectionView::backToNow()
+{
+    m_state.backToNow();
+}
+
+void ZoneCollectionView::beginTimeEntry(const QUuid &id, const QString &text)
+{
+    ZoneCard *card = m_cards.value(id);
+    if (!m_canShiftTime || !card)
+        return;
+    m_state.setSelectedId(id);
+    card->row()->beginTimeEntry(text);
 }
 
 void ZoneCollectionView::focusList()
@@ -153,7 +191,7 @@ QMenu *ZoneCollectionView::openMenu(const QUuid &id, const QPoint &globalPositio
     menu->setObjectName(QStringLiteral("zone-menu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QColor symbolColour = menu->palette().color(QPalette::WindowText);
-    for (const ZoneMenu::Item &item : ZoneMenu::items(m_store.zones(), *target)) {
+    for (const ZoneMenu::Item &item : ZoneMenu::items(m_store.zones(), *target, m_canShiftTime)) {
         if (!item.action) {
             menu->addSeparator();
             continue;
@@ -239,6 +277,29 @@ void ZoneCollectionView::refreshCards()
         if (ZoneCard *card = m_cards.value(zone.id))
             card->setState(cardState(zone, localZone));
     }
+    updateShiftText();
+}
+
+void ZoneCollectionView::updateShiftText()
+{
+    QString text;
+    if (const std::optional<QDateTime> moment = m_state.shiftedMoment()) {
+        // The city last moved names the moment; if it was removed, the first one does.
+        std::optional<SavedZone> anchor =
+            m_state.shiftAnchorId() ? findZone(*m_state.shiftAnchorId()) : std::nullopt;
+        if (!anchor && !m_store.zones().isEmpty())
+            anchor = m_store.zones().constFirst();
+        const std::optional<QTimeZone> zone =
+            anchor ? TimeZoneDatabase::resolve(anchor->identifier) : std::nullopt;
+        text = zone ? TimeShift::stripText(m_clock.now(), *moment, anchor->displayName(), *zone,
+                                           m_store.format())
+                    : TimeShift::stripText(m_clock.now(), *moment, QStringLiteral("your time zone"),
+                                           TimeZoneDatabase::localZone(), m_store.format());
+    }
+    if (text == m_shiftText)
+        return;
+    m_shiftText = text;
+    Q_EMIT shiftTextChanged(text);
 }
 
 ZoneCard::State ZoneCollectionView::cardState(const SavedZone &zone,
@@ -246,7 +307,12 @@ ZoneCard::State ZoneCollectionView::cardState(const SavedZone &zone,
 {
     ZoneCard::State state;
     state.row.zone = zone;
-    state.row.now = m_clock.now();
+    state.row.now = m_state.shownMoment(m_clock.now());
+    state.row.canShiftTime = m_canShiftTime;
+    if (const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier)) {
+        if (const auto change = TimeShift::upcomingChange(*timeZone, state.row.now))
+            state.row.changeNotice = TimeShift::changeNotice(*change, *timeZone);
+    }
     state.row.format = m_store.format();
     state.row.localZone = localZone;
     state.row.isRenaming = m_state.isRenaming(zone.id);
@@ -287,6 +353,23 @@ ZoneCard *ZoneCollectionView::makeCard(const SavedZone &zone)
         if (m_state.isRenaming(id))
             m_state.setDraftName(text);
     });
+    connect(row, &ZoneRow::timeEntered, this, [this, id](const QTime &time) {
+        const std::optional<SavedZone> zone = findZone(id);
+        const std::optional<QTimeZone> timeZone =
+            zone ? TimeZoneDatabase::resolve(zone->identifier) : std::nullopt;
+        m_stack->setFocus(Qt::OtherFocusReason);
+        if (!timeZone)
+            return;
+        m_state.setSelectedId(id);
+        m_state.shiftTo(
+            TimeShift::instantForTypedTime(m_state.shownMoment(m_clock.now()), time, *timeZone),
+            id);
+        announceSelection();
+    });
+    connect(row, &ZoneRow::timeEntryEnded, this, [this] {
+        if (isVisible())
+            m_stack->setFocus(Qt::OtherFocusReason);
+    });
 
     connect(card, &ZoneCard::hoverEntered, this, [this, id] { m_state.hoverEntered(id); });
     connect(card, &ZoneCard::hoverLeft, this, [this, id] { m_state.hoverLeft(id); });
@@ -299,6 +382,14 @@ ZoneCard *ZoneCollectionView::makeCard(const SavedZone &zone)
             [this, id](ZoneMenu::Action action) { runMenuAction(action, id); });
     connect(card, &ZoneCard::contextMenuRequested, this,
             [this, id](const QPoint &globalPosition) { openMenu(id, globalPosition); });
+    connect(card, &ZoneCard::timeShiftRequested, this, [this, id](int steps, int minutes) {
+        if (m_canShiftTime)
+            m_state.shiftBy(m_clock.now(), steps * minutes, id);
+    });
+    connect(card, &ZoneCard::timeEntryRequested, this, [this, id] {
+        if (ZoneCard *card = m_cards.value(id))
+            beginTimeEntry(id, card->row()->timeArea()->property("text").toString());
+    });
     connect(card, &ZoneCard::removalCancelled, this, [this] { m_state.cancelRemoval(); });
     connect(card, &ZoneCard::removalConfirmed, this, [this] { m_state.confirmRemoval(); });
     return card;
@@ -369,6 +460,13 @@ void ZoneCollectionView::runMenuAction(ZoneMenu::Action action, const QUuid &id)
     case ZoneMenu::Action::copyTime:
         copyTime(*target);
         break;
+    case ZoneMenu::Action::copyAll:
+        copyAll();
+        break;
+    case ZoneMenu::Action::setTime:
+        if (ZoneCard *card = m_cards.value(id))
+            beginTimeEntry(id, card->row()->timeArea()->property("text").toString());
+        break;
     case ZoneMenu::Action::moveUp:
         m_state.move(*target, -1);
         break;
@@ -384,12 +482,24 @@ void ZoneCollectionView::runMenuAction(ZoneMenu::Action action, const QUuid &id)
 void ZoneCollectionView::copyTime(const SavedZone &zone)
 {
     const std::optional<QString> text =
-        ZoneRowTexts::copyText(zone, m_store.format(), m_clock.now());
-    if (!text)
-        return;
-    QClipboard *clipboard = QGuiApplication::clipboard();
-    clipboard->clear();
-    clipboard->setText(*text);
+        ZoneRowTexts::copyText(zone, m_store.format(), m_state.shownMoment(m_clock.now()));
+    if (text)
+        putOnClipboard(*text);
+}
+
+void ZoneCollectionView::copyAll()
+{
+    const QString text =
+        TimeShift::copyAllText(m_store.zones(), m_store.format(),
+                               m_state.shownMoment(m_clock.now()), TimeZoneDatabase::localZone());
+    if (!text.isEmpty())
+        putOnClipboard(text);
+}
+
+void ZoneCollectionView::shiftSelected(int minutes)
+{
+    if (m_canShiftTime && m_state.selectedId())
+        m_state.shiftBy(m_clock.now(), minutes, *m_state.selectedId());
 }
 
 void ZoneCollectionView::runCommand(CollectionKeys::Command command)
@@ -424,6 +534,25 @@ void ZoneCollectionView::runCommand(CollectionKeys::Command command)
     case Command::rename:
         if (selected)
             m_state.beginRename(*selected);
+        break;
+    case Command::shiftEarlier:
+        shiftSelected(-15);
+        break;
+    case Command::shiftLater:
+        shiftSelected(15);
+        break;
+    case Command::shiftEarlierHour:
+        shiftSelected(-60);
+        break;
+    case Command::shiftLaterHour:
+        shiftSelected(60);
+        break;
+    case Command::copyTime:
+        if (selected)
+            copyTime(*selected);
+        break;
+    case Command::copyAll:
+        copyAll();
         break;
     }
 }

@@ -43,6 +43,17 @@ public:
 
     const ZoneCollectionState &state() const { return m_state; }
 
+    // Whether the cards' times can be dragged, scrolled, stepped with the
+    // arrow keys and typed into to show every city at another moment. Off
+    // by default.
+    bool canShiftTime() const { return m_canShiftTime; }
+    void setCanShiftTime(bool canShift);
+    // While shifted, e.g. "+3 h · Tue 15:00 in Tokyo"; empty at now.
+    QString shiftText() const { return m_shiftText; }
+    void backToNow();
+    // Opens the time field of a zone's card, holding `text`.
+    void beginTimeEntry(const QUuid &id, const QString &text);
+
     // The list is leaving the screen: an open rename is saved and an open
     // removal confirmation dropped. Also runs when the list is hidden.
     void leave();
@@ -56,6 +67,9 @@ public:
     // The context menu of a zone, for keyboard and assistive use; the same
     // as a right click on its card. Null when the zone is unknown.
     QMenu *openMenu(const QUuid &id, const QPoint &globalPosition);
+
+Q_SIGNALS:
+    void shiftTextChanged(const QString &text);
 
 protected:
     void hideEvent(QHideEvent *event) override;
@@ -73,6 +87,9 @@ private:
     std::optional<SavedZone> findZone(const QUuid &id) const;
     void runMenuAction(ZoneMenu::Action action, const QUuid &id);
     void copyTime(const SavedZone &zone);
+    void copyAll();
+    void shiftSelected(int minutes);
+    void updateShiftText();
     void runCommand(CollectionKeys::Command command);
     void selectAdjacent(int step);
     void ensureSelectedVisible();
@@ -84,6 +101,8 @@ private:
     ZoneStore &m_store;
     Clock &m_clock;
     const bool m_showsIdentifiers;
+    bool m_canShiftTime = false;
+    QString m_shiftText;
     bool m_reduceMotion;
     ZoneCollectionState m_state;
 

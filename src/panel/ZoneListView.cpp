@@ -8,6 +8,7 @@
 #include "Eyebrow.h"
 #include "ReturnPressesButtons.h"
 #include "SaveErrorLine.h"
+#include "ShiftStrip.h"
 #include "TextLine.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
@@ -44,6 +45,7 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     , m_list(new QWidget)
     , m_count(new Eyebrow)
     , m_saveError(new SaveErrorLine(store))
+    , m_shiftStrip(new ShiftStrip)
     , m_collection(new ZoneCollectionView(store, clock, false))
     , m_updateButton(footerButton(QString(), QStringLiteral("tray-check-updates")))
     , m_settingsButton(
@@ -108,17 +110,31 @@ ZoneListView::ZoneListView(ZoneStore &store, Clock &clock, QWidget *parent)
     quitShortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(quitShortcut, &QShortcut::activated, quit, &QPushButton::click);
 
+    // Planning across zones: the cards show another moment while the strip says which.
+    m_collection->setCanShiftTime(true);
+    connect(m_collection, &ZoneCollectionView::shiftTextChanged, m_shiftStrip,
+            &ShiftStrip::setText);
+    connect(m_shiftStrip, &ShiftStrip::backToNowRequested, this, [this] {
+        m_collection->backToNow();
+        m_collection->focusList();
+    });
+    auto *stripRow = new QHBoxLayout;
+    stripRow->setContentsMargins(16, 0, 16, 6);
+    stripRow->addWidget(m_shiftStrip);
+
     auto *list = new QVBoxLayout(m_list);
     list->setContentsMargins(0, 0, 0, 0);
     list->setSpacing(0);
     list->addLayout(header);
     list->addLayout(countRow);
+    list->addLayout(stripRow);
     list->addWidget(m_collection, 1);
     list->addWidget(new Divider);
     list->addWidget(m_saveError);
     list->addLayout(footer);
     m_pages->addWidget(m_list);
-    QWidget::setTabOrder(add, m_collection->focusTarget());
+    QWidget::setTabOrder(add, m_shiftStrip->backButton());
+    QWidget::setTabOrder(m_shiftStrip->backButton(), m_collection->focusTarget());
 
     connect(&m_store, &ZoneStore::zonesChanged, this, &ZoneListView::updateCount);
     updateCount();
@@ -156,6 +172,17 @@ void ZoneListView::hideEvent(QHideEvent *event)
     QWidget::hideEvent(event);
     // The panel always opens on the list.
     showList();
+}
+
+void ZoneListView::keyPressEvent(QKeyEvent *event)
+{
+    // Escape first comes back to now; only at now does it close the panel.
+    if (event->key() == Qt::Key_Escape && !m_collection->shiftText().isEmpty()) {
+        m_collection->backToNow();
+        event->accept();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void ZoneListView::updateCount()

@@ -8,6 +8,7 @@ class Eyebrow;
 class QPushButton;
 class QStackedLayout;
 class SaveErrorLine;
+class ShiftStrip;
 class TextLine;
 class ZoneCollectionView;
 class ZoneStore;
@@ -29,6 +30,7 @@ public:
     bool isShowingAdd() const { return m_addView != nullptr; }
     ZoneCollectionView &collection() const { return *m_collection; }
     AddZoneView *addView() const { return m_addView; }
+    ShiftStrip &shiftStrip() const { return *m_shiftStrip; }
 
     // Whether an update check may start now; the update button follows it.
     void setCanCheckForUpdates(bool canCheck);
@@ -46,6 +48,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void updateCount();
@@ -57,6 +60,7 @@ private:
     QWidget *m_list;
     Eyebrow *m_count;
     SaveErrorLine *m_saveError;
+    ShiftStrip *m_shiftStrip;
     ZoneCollectionView *m_collection;
     QPushButton *m_updateButton;
     QPushButton *m_settingsButton;

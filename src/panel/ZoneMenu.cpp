@@ -1,6 +1,7 @@
 #include "ZoneMenu.h"
 
-QList<ZoneMenu::Item> ZoneMenu::items(const QList<SavedZone> &zones, const SavedZone &zone)
+QList<ZoneMenu::Item> ZoneMenu::items(const QList<SavedZone> &zones, const SavedZone &zone,
+                                      bool canShiftTime)
 {
     const bool isFirst = !zones.isEmpty() && zones.constFirst().id == zone.id;
     const bool isLast = !zones.isEmpty() && zones.constLast().id == zone.id;
@@ -15,6 +16,9 @@ QList<ZoneMenu::Item> ZoneMenu::items(const QList<SavedZone> &zones, const Saved
          zone.isPinned ? QStringLiteral("Unpin from menu bar") : QStringLiteral("Pin to menu bar"),
          {}});
     items.append({Action::copyTime, QStringLiteral("Copy time"), QStringLiteral("copy")});
+    items.append({Action::copyAll, QStringLiteral("Copy all"), {}});
+    if (canShiftTime)
+        items.append({Action::setTime, QStringLiteral("Set time\u2026"), {}});
     items.append(separator);
     items.append({Action::moveUp, QStringLiteral("Move up"), QStringLiteral("arrow-up"), !isFirst});
     items.append(

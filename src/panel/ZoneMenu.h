@@ -14,7 +14,17 @@
 class ZoneMenu final
 {
 public:
-    enum class Action { rename, useCityName, togglePin, copyTime, moveUp, moveDown, remove };
+    enum class Action {
+        rename,
+        useCityName,
+        togglePin,
+        copyTime,
+        copyAll,
+        setTime,
+        moveUp,
+        moveDown,
+        remove
+    };
 
     struct Item
     {
@@ -31,7 +41,9 @@ public:
 
     ZoneMenu() = delete;
 
-    static QList<Item> items(const QList<SavedZone> &zones, const SavedZone &zone);
+    // "Set time…" only where the list can show another moment than now.
+    static QList<Item> items(const QList<SavedZone> &zones, const SavedZone &zone,
+                             bool canShiftTime = false);
 
     // The zone a menu or a double-click concerns: the first zone, in list
     // order, whose id is among `ids`.

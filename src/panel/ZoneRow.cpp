@@ -6,6 +6,7 @@
 #include "InlineEditButton.h"
 #include "NameField.h"
 #include "TextLine.h"
+#include "TimeShift.h"
 #include "ZoneLimits.h"
 #include "ZoneRowTexts.h"
 
@@ -14,6 +15,7 @@
 #include <QLabel>
 #include <QToolButton>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -52,6 +54,8 @@ ZoneRow::ZoneRow(const State &state, QWidget *parent)
     , m_name(
           new TextLine(AppStyle::uiFont(14, QFont::DemiBold), TextLine::Tone::primary, m_nameBlock))
     , m_subtitle(new TextLine(AppStyle::uiFont(11), TextLine::Tone::secondary, m_nameBlock))
+    , m_notice(
+          new TextLine(AppStyle::uiFont(11, QFont::DemiBold), TextLine::Tone::accent, m_nameBlock))
     , m_time(new TextLine(AppStyle::monospacedFont(22), TextLine::Tone::primary, this))
     , m_pin(symbolButton(QStringLiteral("pin-button"), this))
     , m_rename(symbolButton(QStringLiteral("rename-button"), this))
@@ -77,8 +81,12 @@ ZoneRow::ZoneRow(const State &state, QWidget *parent)
     m_name->installEventFilter(this);
     m_subtitle->setObjectName(QStringLiteral("zone-subtitle"));
     m_subtitle->setElides(true);
+    m_notice->setObjectName(QStringLiteral("zone-change-notice"));
+    m_notice->setElides(true);
+    m_notice->setToolTip(QStringLiteral("This city's clocks change within a week"));
     m_nameLayout->addWidget(m_name);
     m_nameLayout->addWidget(m_subtitle);
+    m_nameLayout->addWidget(m_notice);
 
     // The time is never cut: the name gives way instead.
     m_time->setObjectName(QStringLiteral("zone-time"));
@@ -122,7 +130,9 @@ void ZoneRow::setState(const State &state)
         return;
     const State old = std::exchange(m_state, state);
     const bool textsChanged = old.zone != state.zone || old.now != state.now ||
-                              old.format != state.format || old.localZone != state.localZone;
+                              old.format != state.format || old.localZone != state.localZone ||
+                              old.changeNotice != state.changeNotice ||
+                              old.canShiftTime != state.canShiftTime;
     if (textsChanged)
         updateTexts();
     // Symbols depend on the pin and the handle only, not on the time.
@@ -160,6 +170,17 @@ void ZoneRow::updateTexts()
     m_subtitle->setText(ZoneRowTexts::subtitle(zone, m_state.now, m_state.localZone));
     m_time->setText(time);
     m_time->setAccessibleName(ZoneRowTexts::timeAccessibleName(displayName, time));
+    m_notice->setText(m_state.changeNotice);
+    m_notice->setVisible(!m_state.changeNotice.isEmpty());
+    if (m_state.canShiftTime) {
+        m_time->setCursor(Qt::SizeHorCursor);
+        m_time->setToolTip(
+            QStringLiteral("Drag or scroll to see every city at another time. Double-click to "
+                           "type a time."));
+    } else {
+        m_time->unsetCursor();
+        m_time->setToolTip(QString());
+    }
     m_pin->setToolTip(ZoneRowTexts::pinToolTip(zone.isPinned));
     m_pin->setAccessibleName(ZoneRowTexts::pinAccessibleName(zone));
     m_rename->setAccessibleName(ZoneRowTexts::renameAccessibleName(zone));
@@ -224,4 +245,72 @@ void ZoneRow::updateRenaming()
     m_rename->setVisible(!renaming);
     m_cancel->setVisible(renaming);
     m_save->setVisible(renaming);
+}
+
+void ZoneRow::beginTimeEntry(const QString &text)
+{
+    if (!m_timeField) {
+        m_timeField = new NameField(this);
+        m_timeField->setObjectName(QStringLiteral("time-field"));
+        m_timeField->setPlaceholderText(QStringLiteral("15:00"));
+        m_timeField->setAccessibleName(QStringLiteral("Time in ") + m_state.zone.displayName());
+        m_timeField->setAccessibleDescription(
+            QStringLiteral("Type a time such as 15:00 or 3pm, then Return"));
+        m_timeField->setFont(AppStyle::monospacedFont(15));
+        // In the time's own place, never wider, so the row keeps its layout.
+        m_timeField->setFixedSize(std::max(m_time->sizeHint().width(), 80), fieldHeight + 4);
+        m_timeField->setMaxLength(12);
+        connect(m_timeField, &FocusedTextInput::saveRequested, this, [this](const QString &typed) {
+            if (const std::optional<QTime> time = TimeShift::parseTime(typed)) {
+                endTimeEntry();
+                Q_EMIT timeEntered(*time);
+                return;
+            }
+            // Stays open to be corrected; the next keystroke starts a new edit.
+            QPalette colours = m_timeField->palette();
+            colours.setColor(QPalette::Text, AppStyle::errorText(palette()));
+            m_timeField->setPalette(colours);
+            m_timeField->setAccessibleDescription(QStringLiteral("\u201C") + typed +
+                                                  QStringLiteral("\u201D is not a time. Type a "
+                                                                 "time such as 15:00 or 3pm"));
+            m_timeField->selectAll();
+        });
+        connect(m_timeField, &QLineEdit::textEdited, this,
+                [this] { m_timeField->setPalette(palette()); });
+        const auto cancel = [this] {
+            endTimeEntry();
+            Q_EMIT timeEntryEnded();
+        };
+        connect(m_timeField, &FocusedTextInput::cancelRequested, this, cancel);
+        connect(m_timeField, &FocusedTextInput::focusLost, this, cancel);
+        auto *rowLayout = static_cast<QHBoxLayout *>(layout());
+        rowLayout->insertWidget(rowLayout->indexOf(m_time), m_timeField);
+        m_time->hide();
+        m_timeField->show();
+    }
+    m_timeField->setText(text);
+    // The shown time is there to be typed over; a first digit to be typed on.
+    const bool typedOn = text.size() == 1;
+    m_timeField->setSelectsAllOnFocus(!typedOn);
+    m_timeField->setFocus(Qt::OtherFocusReason);
+    if (typedOn)
+        m_timeField->end(false);
+    else
+        m_timeField->selectAll();
+}
+
+void ZoneRow::endTimeEntry()
+{
+    if (!m_timeField)
+        return;
+    // Deleted later: the field may be the sender of the signal that ended it.
+    NameField *field = m_timeField;
+    m_timeField = nullptr;
+    AccessibleRetirement::deleteLater(field);
+    m_time->show();
+}
+
+QWidget *ZoneRow::timeArea() const
+{
+    return m_time;
 }

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QPointer>
+#include <QTime>
 #include <QTimeZone>
 #include <QWidget>
 
@@ -34,6 +35,10 @@ public:
         QString draftName;
         bool isReorderHighlighted = false;
         bool canReorder = true;
+        // The drag, scroll and typing on the time that plan across zones.
+        bool canShiftTime = false;
+        // "clocks go back Sun" when the zone's offset changes soon; else empty.
+        QString changeNotice;
 
         friend bool operator==(const State &, const State &) = default;
     };
@@ -46,6 +51,13 @@ public:
 
     // The rename field while renaming, otherwise null.
     NameField *nameField() const { return m_field; }
+    // The field a time is typed into, otherwise null.
+    NameField *timeField() const { return m_timeField; }
+    QWidget *timeArea() const;
+
+    // Replaces the time with a field holding `text`, for typing a time of
+    // day; ends with `timeEntered` or `timeEntryEnded` alone.
+    void beginTimeEntry(const QString &text);
 
 Q_SIGNALS:
     void togglePinRequested();
@@ -54,6 +66,10 @@ Q_SIGNALS:
     void cancelRenameRequested();
     // The rename field's text, on every keystroke and before a save.
     void draftNameEdited(const QString &text);
+    // A valid time typed into the time field; the field has closed.
+    void timeEntered(const QTime &time);
+    // The field closed without a time (Escape, or the focus went elsewhere).
+    void timeEntryEnded();
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -63,6 +79,7 @@ private:
     void updateTexts();
     void updateSymbols();
     void updateRenaming();
+    void endTimeEntry();
 
     State m_state;
     QLabel *m_handle;
@@ -70,10 +87,12 @@ private:
     QVBoxLayout *m_nameLayout;
     TextLine *m_name;
     TextLine *m_subtitle;
+    TextLine *m_notice;
     TextLine *m_time;
     QToolButton *m_pin;
     QToolButton *m_rename;
     InlineEditButton *m_cancel;
     InlineEditButton *m_save;
     QPointer<NameField> m_field;
+    QPointer<NameField> m_timeField;
 };

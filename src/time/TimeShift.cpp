@@ -65,6 +65,17 @@ QDateTime instantForTypedTime(const QDateTime &shown, const QTime &time, const Q
     return instantAt(shown.toTimeZone(zone).date(), time, zone);
 }
 
+QDateTime stepped(const QDateTime &from, int minutes)
+{
+    constexpr qint64 grid = 15 * 60;
+    qint64 target = from.toSecsSinceEpoch() + qint64(minutes) * 60;
+    const qint64 offGrid = ((target % grid) + grid) % grid;
+    // Off the grid: the grid line between `from` and the full step.
+    if (offGrid != 0)
+        target += minutes > 0 ? -offGrid : grid - offGrid;
+    return QDateTime::fromSecsSinceEpoch(target, QTimeZone::utc());
+}
+
 QString distanceText(qint64 seconds)
 {
     const qint64 minutes = (std::llabs(seconds) + 30) / 60;

@@ -29,6 +29,11 @@ QDateTime instantAt(const QDate &date, const QTime &time, const QTimeZone &zone)
 // `shown`, at `time`.
 QDateTime instantForTypedTime(const QDateTime &shown, const QTime &time, const QTimeZone &zone);
 
+// `minutes` later (earlier when negative) than `from`, landing on the
+// quarter-hour grid every zone's clock shows: a step from 14:07 reaches 14:15
+// or 14:00, never 14:22.
+QDateTime stepped(const QDateTime &from, int minutes);
+
 // How far the moment is from now, rounded to the minute: "+3 h", "-45 min",
 // "+1 h 30 min", "+2 d 4 h"; "now" for less than a minute.
 QString distanceText(qint64 seconds);

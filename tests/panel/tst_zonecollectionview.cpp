@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -200,6 +201,13 @@ private Q_SLOTS:
     void menuPinAndCityName();
     void copyTime_data();
     void copyTime();
+    void shiftTheMoment_data();
+    void shiftTheMoment();
+    void copyAllWhileShifted();
+    void shiftAcrossAChangeInOneZoneOnly();
+    void changeNotice_data();
+    void changeNotice();
+    void mistypedTimeStaysOpen();
     void hoverLeavingOntoANeighbourKeepsItLit();
     void clockTickKeepsTheCards();
     void unknownIdentifierShowsDashes();
@@ -433,6 +441,192 @@ void TestZoneCollectionView::copyTime()
     QGuiApplication::clipboard()->setText(QStringLiteral("before"));
     QVERIFY(w.trigger(name, QStringLiteral("Copy time")));
     QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
+}
+
+void TestZoneCollectionView::shiftTheMoment_data()
+{
+    // From 00:30 UTC on Monday 2 March: 09:30 in Tokyo, 00:30 in London.
+    QTest::addColumn<QString>("gesture");
+    QTest::addColumn<QString>("tokyo");
+    QTest::addColumn<QString>("london");
+    QTest::addColumn<QString>("strip");
+    QTest::newRow("Right") << "Right"
+                           << "09:45"
+                           << "00:45"
+                           << "+15 min \u00b7 Mon 09:45 in Tokyo";
+    QTest::newRow("Shift+Right") << "Shift+Right"
+                                 << "10:30"
+                                 << "01:30"
+                                 << "+1 h \u00b7 Mon 10:30 in Tokyo";
+    QTest::newRow("Shift+Left, London's day before") << "Shift+Left"
+                                                     << "08:30"
+                                                     << "23:30"
+                                                     << "-1 h \u00b7 Mon 08:30 in Tokyo";
+    QTest::newRow("wheel over the time") << "wheel"
+                                         << "09:45"
+                                         << "00:45"
+                                         << "+15 min \u00b7 Mon 09:45 in Tokyo";
+    QTest::newRow("drag two steps") << "drag"
+                                    << "10:00"
+                                    << "01:00"
+                                    << "+30 min \u00b7 Mon 10:00 in Tokyo";
+    QTest::newRow("digits typed on the list") << "type"
+                                              << "15:00"
+                                              << "06:00"
+                                              << "+5 h 30 min \u00b7 Mon 15:00 in Tokyo";
+    QTest::newRow("Set time\u2026") << "menu"
+                                    << "15:00"
+                                    << "06:00"
+                                    << "+5 h 30 min \u00b7 Mon 15:00 in Tokyo";
+    QTest::newRow("double-click the time") << "double-click"
+                                           << "15:00"
+                                           << "06:00"
+                                           << "+5 h 30 min \u00b7 Mon 15:00 in Tokyo";
+}
+
+void TestZoneCollectionView::shiftTheMoment()
+{
+    QFETCH(QString, gesture);
+    QFETCH(QString, tokyo);
+    QFETCH(QString, london);
+    QFETCH(QString, strip);
+    ListWindow w;
+    QSignalSpy stripChanges(w.view, &ZoneCollectionView::shiftTextChanged);
+    // The settings window's list stays at now: nothing here works there.
+    auto *tokyoTime = w.in<TextLine>("Tokyo", "zone-time");
+    QTest::keyClick(w.stack(), Qt::Key_Right);
+    QVERIFY(!ListWindow::action(w.menuOf("Tokyo"), QStringLiteral("Set time\u2026")));
+    w.closeMenus();
+    QCOMPARE(tokyoTime->text(), QStringLiteral("09:30"));
+
+    w.view->setCanShiftTime(true);
+    w.clickSubtitle("Tokyo");
+    const QPoint onTime = tokyoTime->rect().center();
+    const auto typeInto = [&w](const QString &text) {
+        QTRY_VERIFY_WITH_TIMEOUT(w.field() && w.field()->hasFocus(), timeout);
+        QTest::keyClicks(w.field(), text);
+        QTest::keyClick(w.field(), Qt::Key_Return);
+    };
+    if (gesture == "Right") {
+        QTest::keyClick(w.stack(), Qt::Key_Right);
+    } else if (gesture.startsWith("Shift+")) {
+        QTest::keyClick(w.stack(), gesture.endsWith("Left") ? Qt::Key_Left : Qt::Key_Right,
+                        Qt::ShiftModifier);
+    } else if (gesture == "wheel") {
+        const QPoint onCard = tokyoTime->mapTo(w.card("Tokyo"), onTime);
+        QWheelEvent wheel(onCard, tokyoTime->mapToGlobal(onTime), {}, QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(w.card("Tokyo"), &wheel);
+    } else if (gesture == "drag") {
+        QTest::mousePress(tokyoTime, Qt::LeftButton, {}, onTime);
+        QTest::mouseMove(tokyoTime, onTime + QPoint(25, 3));
+        QTest::mouseRelease(tokyoTime, Qt::LeftButton, {}, onTime + QPoint(25, 3));
+        QCOMPARE(w.visibleNames(), initialOrder); // the time moved, not the card
+    } else if (gesture == "type") {
+        QTest::keyClick(w.stack(), Qt::Key_1);
+        QCOMPARE(w.field()->text(), QStringLiteral("1"));
+        typeInto(QStringLiteral("5:00"));
+    } else {
+        if (gesture == "menu")
+            QVERIFY(w.trigger("Tokyo", QStringLiteral("Set time\u2026")));
+        else
+            QTest::mouseDClick(tokyoTime, Qt::LeftButton, {}, onTime);
+        QTRY_VERIFY_WITH_TIMEOUT(w.field() && w.field()->selectedText() == "09:30", timeout);
+        typeInto(QStringLiteral("3pm"));
+    }
+    QCOMPARE(tokyoTime->text(), tokyo);
+    QCOMPARE(w.in<TextLine>("London", "zone-time")->text(), london);
+    QCOMPARE(w.view->shiftText(), strip);
+    QCOMPARE(stripChanges.size(), 1);
+    // The relative day is the shown moment's.
+    QCOMPARE(w.in<TextLine>("Tokyo", "zone-subtitle")->text().endsWith("tomorrow"),
+             london == "23:30");
+    QVERIFY(w.stack()->hasFocus());
+    QVERIFY(w.trigger("Tokyo", QStringLiteral("Copy time")));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("Tokyo ") + tokyo);
+}
+
+void TestZoneCollectionView::copyAllWhileShifted()
+{
+    ListWindow w;
+    w.view->setCanShiftTime(true);
+    w.clickSubtitle("London");
+    QTest::keyClick(w.stack(), Qt::Key_Left, Qt::ShiftModifier);
+    QTest::keyClick(w.stack(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             QStringLiteral("Stockholm Mon 00:30 \u00b7 Tokyo Mon 08:30 \u00b7 Office 18:30 "
+                            "\u00b7 London 23:30"));
+}
+
+void TestZoneCollectionView::shiftAcrossAChangeInOneZoneOnly()
+{
+    // Sunday 8 March 2026, 06:30 UTC: New York moves to summer time at 07:00
+    // UTC, London three weeks later.
+    ListWindow w;
+    w.panel.clock->setNow(QDateTime(QDate(2026, 3, 8), QTime(6, 30), QTimeZone::utc()));
+    w.view->setCanShiftTime(true);
+    w.clickSubtitle("Office");
+    QCOMPARE(w.in<TextLine>("Office", "zone-time")->text(), QStringLiteral("01:30"));
+    for (int i = 0; i < 2; ++i)
+        QTest::keyClick(w.stack(), Qt::Key_Right, Qt::ShiftModifier);
+    QCOMPARE(w.in<TextLine>("Office", "zone-time")->text(), QStringLiteral("04:30"));
+    QVERIFY(w.in<TextLine>("Office", "zone-subtitle")->text().contains("EDT \u00b7 -4h"));
+    QCOMPARE(w.in<TextLine>("London", "zone-time")->text(), QStringLiteral("08:30"));
+    QVERIFY(w.in<TextLine>("London", "zone-subtitle")->text().startsWith("GMT"));
+    QCOMPARE(w.view->shiftText(), QStringLiteral("+2 h \u00b7 Sun 04:30 in Office"));
+}
+
+void TestZoneCollectionView::changeNotice_data()
+{
+    QTest::addColumn<QDateTime>("now");
+    QTest::addColumn<QString>("office");
+    QTest::addColumn<QString>("london");
+    const auto at = [](int month, int day, int hour) {
+        return QDateTime(QDate(2026, month, day), QTime(hour, 0), QTimeZone::utc());
+    };
+    // New York goes forward on 8 March at 07:00 UTC, London on 29 March at 01:00.
+    QTest::newRow("seven days before") << at(3, 1, 7) << "clocks go forward Sun"
+                                       << "";
+    QTest::newRow("eight days before") << at(2, 28, 7) << ""
+                                       << "";
+    QTest::newRow("after New York's") << at(3, 22, 1) << ""
+                                      << "clocks go forward Sun";
+    QTest::newRow("back in autumn") << at(10, 20, 12) << ""
+                                    << "clocks go back Sun";
+}
+
+void TestZoneCollectionView::changeNotice()
+{
+    QFETCH(QDateTime, now);
+    QFETCH(QString, office);
+    QFETCH(QString, london);
+    ListWindow w;
+    w.panel.clock->setNow(now);
+    for (const auto &[name, notice] : {std::pair{"Office", office}, std::pair{"London", london}}) {
+        auto *line = w.in<TextLine>(name, "zone-change-notice");
+        QCOMPARE(line->isVisible() ? line->text() : QString(), notice);
+        const QString spoken =
+            QAccessible::queryAccessibleInterface(w.card(name))->text(QAccessible::Description);
+        QCOMPARE(spoken.endsWith(notice) && !notice.isEmpty(), !notice.isEmpty());
+    }
+}
+
+void TestZoneCollectionView::mistypedTimeStaysOpen()
+{
+    ListWindow w;
+    w.view->setCanShiftTime(true);
+    w.clickSubtitle("Tokyo");
+    QTest::keyClick(w.stack(), Qt::Key_2);
+    QTRY_VERIFY_WITH_TIMEOUT(w.field() && w.field()->hasFocus(), timeout);
+    QTest::keyClicks(w.field(), "5:00");
+    QTest::keyClick(w.field(), Qt::Key_Return);
+    QVERIFY(w.field());
+    QVERIFY(w.field()->accessibleDescription().contains("is not a time"));
+    QCOMPARE(w.view->shiftText(), QString());
+    QTest::keyClick(w.field(), Qt::Key_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!w.field(), timeout);
+    QVERIFY(w.stack()->hasFocus());
+    QCOMPARE(w.in<TextLine>("Tokyo", "zone-time")->text(), QStringLiteral("09:30"));
 }
 
 void TestZoneCollectionView::hoverLeavingOntoANeighbourKeepsItLit()

@@ -1,11 +1,14 @@
 #include "AddZoneView.h"
 #include "Eyebrow.h"
 #include "PanelTestSupport.h"
+#include "ShiftStrip.h"
 #include "TextLine.h"
 #include "ZoneCard.h"
 #include "ZoneCollectionView.h"
 #include "ZoneListView.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -31,6 +34,8 @@ private Q_SLOTS:
     void keyboardEntersTheList_data();
     void keyboardEntersTheList();
     void confirmationAndNewCityScrollIntoView();
+    void shiftedListReturnsToNow_data();
+    void shiftedListReturnsToNow();
 
 private:
     QPushButton *button(const char *name) const { return m_view->findChild<QPushButton *>(name); }
@@ -260,6 +265,48 @@ void TestZoneListView::confirmationAndNewCityScrollIntoView()
             added = card;
     }
     QTRY_VERIFY(fullyShown(added));
+}
+
+void TestZoneListView::shiftedListReturnsToNow_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::newRow("Escape") << "Escape";
+    QTest::newRow("Back to now") << "Back to now";
+    QTest::newRow("closing the panel") << "hide";
+}
+
+void TestZoneListView::shiftedListReturnsToNow()
+{
+    QFETCH(QString, way);
+    ZoneCollectionView &list = m_view->collection();
+    ShiftStrip &strip = m_view->shiftStrip();
+    QVERIFY(!strip.isVisible());
+    list.focusList();
+    QTest::keyClick(list.focusTarget(), Qt::Key_Right, Qt::ShiftModifier);
+    // 00:30 UTC, Stockholm first: an hour on from 01:30 there.
+    QCOMPARE(strip.text(), QStringLiteral("+1 h \u00b7 Mon 02:30 in Stockholm"));
+    QVERIFY(strip.isVisible());
+    auto *tokyo = m_view->findChildren<ZoneCard *>().at(1)->findChild<TextLine *>("zone-time");
+    QCOMPARE(tokyo->text(), QStringLiteral("10:30"));
+
+    if (way == "Escape") {
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(list.focusTarget(), &escape);
+        QVERIFY(escape.isAccepted());
+        // At now Escape is the panel's again: it closes it.
+        QKeyEvent again(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(list.focusTarget(), &again);
+        QVERIFY(!again.isAccepted());
+    } else if (way == "Back to now") {
+        QTest::mouseClick(strip.backButton(), Qt::LeftButton);
+        QVERIFY(list.focusTarget()->hasFocus());
+    } else {
+        m_view->hide();
+        m_view->show();
+    }
+    QCOMPARE(list.shiftText(), QString());
+    QVERIFY(!strip.isVisible());
+    QCOMPARE(tokyo->text(), QStringLiteral("09:30"));
 }
 
 QTEST_MAIN(TestZoneListView)

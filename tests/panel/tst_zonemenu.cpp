@@ -44,30 +44,35 @@ void TestZoneMenu::items_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("index");
+    QTest::addColumn<bool>("canShiftTime");
     QTest::addColumn<QStringList>("expected");
     const QString remove = QStringLiteral("Remove city\u2026!");
     QTest::newRow("first, pinned, no nickname")
-        << 3 << 0 << QStringList{"Rename",    "Unpin from menu bar", "Copy time", "---",
-                                 "(Move up)", "Move down",           "---",       remove};
+        << 3 << 0 << false
+        << QStringList{"Rename",    "Unpin from menu bar", "Copy time", "Copy all", "---",
+                       "(Move up)", "Move down",           "---",       remove};
     QTest::newRow("middle, nickname, not pinned")
-        << 3 << 1 << QStringList{"Rename",    "Use city name", "Pin to menu bar",
-                                 "Copy time", "---",           "Move up",
-                                 "Move down", "---",           remove};
-    QTest::newRow("last") << 3 << 2
-                          << QStringList{"Rename",  "Pin to menu bar", "Copy time", "---",
-                                         "Move up", "(Move down)",     "---",       remove};
-    QTest::newRow("only") << 1 << 0
-                          << QStringList{"Rename",    "Unpin from menu bar", "Copy time", "---",
-                                         "(Move up)", "(Move down)",         "---",       remove};
+        << 3 << 1 << false
+        << QStringList{"Rename", "Use city name", "Pin to menu bar", "Copy time", "Copy all",
+                       "---",    "Move up",       "Move down",       "---",       remove};
+    QTest::newRow("last, in the panel")
+        << 3 << 2 << true
+        << QStringList{"Rename", "Pin to menu bar", "Copy time",   "Copy all", "Set time\u2026",
+                       "---",    "Move up",         "(Move down)", "---",      remove};
+    QTest::newRow("only") << 1 << 0 << false
+                          << QStringList{"Rename", "Unpin from menu bar", "Copy time",   "Copy all",
+                                         "---",    "(Move up)",           "(Move down)", "---",
+                                         remove};
 }
 
 void TestZoneMenu::items()
 {
     QFETCH(int, count);
     QFETCH(int, index);
+    QFETCH(bool, canShiftTime);
     QFETCH(QStringList, expected);
     const QList<SavedZone> zones = threeZones().first(count);
-    QCOMPARE(titles(ZoneMenu::items(zones, zones.at(index))), expected);
+    QCOMPARE(titles(ZoneMenu::items(zones, zones.at(index), canShiftTime)), expected);
 }
 
 void TestZoneMenu::targetIsTheFirstInListOrder()

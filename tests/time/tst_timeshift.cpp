@@ -21,6 +21,8 @@ private Q_SLOTS:
     void parseTime();
     void instantAt_data();
     void instantAt();
+    void stepped_data();
+    void stepped();
     void distanceText_data();
     void distanceText();
     void stripText();
@@ -96,6 +98,31 @@ void TestTimeShift::instantAt()
         TimeShift::instantForTypedTime(QDateTime(date, QTime(23, 59), timeZone),
                                        QTime::fromString(time, QStringLiteral("HH:mm")), timeZone);
     QCOMPARE(typed, expected);
+}
+
+void TestTimeShift::stepped_data()
+{
+    QTest::addColumn<QDateTime>("from");
+    QTest::addColumn<int>("minutes");
+    QTest::addColumn<QDateTime>("expected");
+    const QDateTime offGrid = utc("2026-03-02T14:07:33Z");
+    QTest::newRow("later lands on the quarter") << offGrid << 15 << utc("2026-03-02T14:15:00Z");
+    QTest::newRow("earlier lands on the quarter") << offGrid << -15 << utc("2026-03-02T14:00:00Z");
+    QTest::newRow("an hour later") << offGrid << 60 << utc("2026-03-02T15:00:00Z");
+    QTest::newRow("an hour earlier") << offGrid << -60 << utc("2026-03-02T13:15:00Z");
+    QTest::newRow("on the grid a whole step")
+        << utc("2026-03-02T23:45:00Z") << 30 << utc("2026-03-03T00:15:00Z");
+    // Before the epoch the remainder is negative; the grid is still the same.
+    QTest::newRow("before 1970") << utc("1969-12-31T23:50:00Z") << 15
+                                 << utc("1970-01-01T00:00:00Z");
+}
+
+void TestTimeShift::stepped()
+{
+    QFETCH(QDateTime, from);
+    QFETCH(int, minutes);
+    QFETCH(QDateTime, expected);
+    QCOMPARE(TimeShift::stepped(from, minutes), expected);
 }
 
 void TestTimeShift::distanceText_data()
