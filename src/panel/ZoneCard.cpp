@@ -27,6 +27,8 @@ constexpr int wheelStep = 120;
 constexpr int sidePadding = 14;
 constexpr int bottomPadding = 12;
 constexpr int confirmationSpacing = 12;
+// Under the city's name: the row's padding, the handle and the gap after it.
+constexpr int nameIndent = 34;
 
 QColor blended(const QColor &from, const QColor &to, qreal amount)
 {
@@ -45,6 +47,7 @@ ZoneCard::ZoneCard(const State &state, QWidget *parent)
     , m_removeCancel(new QPushButton(QStringLiteral("Cancel"), m_confirmation))
     , m_removeConfirm(new QPushButton(QStringLiteral("Remove"), m_confirmation))
     , m_identifier(new TextLine(AppStyle::monospacedFont(10), TextLine::Tone::secondary, this))
+    , m_notice(new TextLine(AppStyle::uiFont(11, QFont::DemiBold), TextLine::Tone::accent, this))
     , m_highlight(new QVariantAnimation(this))
 {
     ZoneCardAccessible::install();
@@ -71,10 +74,17 @@ ZoneCard::ZoneCard(const State &state, QWidget *parent)
     m_identifier->setElides(true);
     m_identifier->setContentsMargins(sidePadding, 0, sidePadding, bottomPadding);
 
+    // The whole card's width: the name's column alone would cut it.
+    m_notice->setObjectName(QStringLiteral("zone-change-notice"));
+    m_notice->setElides(true);
+    m_notice->setContentsMargins(nameIndent, 0, sidePadding, bottomPadding);
+    m_notice->setToolTip(QStringLiteral("This city's clocks change within a week"));
+
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_row);
+    layout->addWidget(m_notice);
     layout->addWidget(m_confirmation);
     layout->addWidget(m_identifier);
 
@@ -88,6 +98,8 @@ ZoneCard::ZoneCard(const State &state, QWidget *parent)
     m_confirmation->setVisible(state.isConfirmingRemoval);
     m_identifier->setVisible(state.showsIdentifier);
     m_identifier->setText(state.row.zone.identifier);
+    m_notice->setText(state.row.changeNotice);
+    m_notice->setVisible(!state.row.changeNotice.isEmpty());
     setAccessibleName(state.row.zone.displayName());
     updateRemoveColour();
     updateHighlight(false);
@@ -112,6 +124,10 @@ void ZoneCard::setState(const State &state)
     if (old.row.zone != state.row.zone) {
         m_identifier->setText(state.row.zone.identifier);
         setAccessibleName(state.row.zone.displayName());
+    }
+    if (old.row.changeNotice != state.row.changeNotice) {
+        m_notice->setText(state.row.changeNotice);
+        m_notice->setVisible(!state.row.changeNotice.isEmpty());
     }
     if (old.isHighlighted != state.isHighlighted)
         updateHighlight(!state.reduceMotion);

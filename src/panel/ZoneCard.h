@@ -97,6 +97,7 @@ private:
     QPushButton *m_removeCancel;
     QPushButton *m_removeConfirm;
     TextLine *m_identifier;
+    TextLine *m_notice;
     QVariantAnimation *m_highlight;
     qreal m_highlightAmount = 0;
     std::optional<QPoint> m_pressPosition;

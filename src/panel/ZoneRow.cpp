@@ -54,8 +54,6 @@ ZoneRow::ZoneRow(const State &state, QWidget *parent)
     , m_name(
           new TextLine(AppStyle::uiFont(14, QFont::DemiBold), TextLine::Tone::primary, m_nameBlock))
     , m_subtitle(new TextLine(AppStyle::uiFont(11), TextLine::Tone::secondary, m_nameBlock))
-    , m_notice(
-          new TextLine(AppStyle::uiFont(11, QFont::DemiBold), TextLine::Tone::accent, m_nameBlock))
     , m_time(new TextLine(AppStyle::monospacedFont(22), TextLine::Tone::primary, this))
     , m_pin(symbolButton(QStringLiteral("pin-button"), this))
     , m_rename(symbolButton(QStringLiteral("rename-button"), this))
@@ -81,16 +79,14 @@ ZoneRow::ZoneRow(const State &state, QWidget *parent)
     m_name->installEventFilter(this);
     m_subtitle->setObjectName(QStringLiteral("zone-subtitle"));
     m_subtitle->setElides(true);
-    m_notice->setObjectName(QStringLiteral("zone-change-notice"));
-    m_notice->setElides(true);
-    m_notice->setToolTip(QStringLiteral("This city's clocks change within a week"));
     m_nameLayout->addWidget(m_name);
     m_nameLayout->addWidget(m_subtitle);
-    m_nameLayout->addWidget(m_notice);
 
     // The time is never cut: the name gives way instead.
     m_time->setObjectName(QStringLiteral("zone-time"));
-    m_time->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    QSizePolicy timePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    timePolicy.setRetainSizeWhenHidden(true);
+    m_time->setSizePolicy(timePolicy);
 
     m_rename->setToolTip(QStringLiteral("Edit nickname"));
     for (InlineEditButton *button : {m_cancel, m_save})
@@ -131,7 +127,6 @@ void ZoneRow::setState(const State &state)
     const State old = std::exchange(m_state, state);
     const bool textsChanged = old.zone != state.zone || old.now != state.now ||
                               old.format != state.format || old.localZone != state.localZone ||
-                              old.changeNotice != state.changeNotice ||
                               old.canShiftTime != state.canShiftTime;
     if (textsChanged)
         updateTexts();
@@ -170,8 +165,6 @@ void ZoneRow::updateTexts()
     m_subtitle->setText(ZoneRowTexts::subtitle(zone, m_state.now, m_state.localZone));
     m_time->setText(time);
     m_time->setAccessibleName(ZoneRowTexts::timeAccessibleName(displayName, time));
-    m_notice->setText(m_state.changeNotice);
-    m_notice->setVisible(!m_state.changeNotice.isEmpty());
     if (m_state.canShiftTime) {
         m_time->setCursor(Qt::SizeHorCursor);
         m_time->setToolTip(
@@ -258,7 +251,7 @@ void ZoneRow::beginTimeEntry(const QString &text)
             QStringLiteral("Type a time such as 15:00 or 3pm, then Return"));
         m_timeField->setFont(AppStyle::monospacedFont(15));
         // In the time's own place, never wider, so the row keeps its layout.
-        m_timeField->setFixedSize(std::max(m_time->sizeHint().width(), 80), fieldHeight + 4);
+        m_timeField->setFixedSize(std::max(m_time->sizeHint().width() + 8, 80), fieldHeight + 4);
         m_timeField->setMaxLength(12);
         connect(m_timeField, &FocusedTextInput::saveRequested, this, [this](const QString &typed) {
             if (const std::optional<QTime> time = TimeShift::parseTime(typed)) {
@@ -283,9 +276,9 @@ void ZoneRow::beginTimeEntry(const QString &text)
         };
         connect(m_timeField, &FocusedTextInput::cancelRequested, this, cancel);
         connect(m_timeField, &FocusedTextInput::focusLost, this, cancel);
-        auto *rowLayout = static_cast<QHBoxLayout *>(layout());
-        rowLayout->insertWidget(rowLayout->indexOf(m_time), m_timeField);
+        // Over the time's own place, which it keeps while hidden.
         m_time->hide();
+        placeTimeField();
         m_timeField->show();
     }
     m_timeField->setText(text);
@@ -307,7 +300,23 @@ void ZoneRow::endTimeEntry()
     NameField *field = m_timeField;
     m_timeField = nullptr;
     AccessibleRetirement::deleteLater(field);
+    field->hide();
     m_time->show();
+}
+
+void ZoneRow::placeTimeField()
+{
+    if (!m_timeField)
+        return;
+    const QRect time = m_time->geometry();
+    const QSize size = m_timeField->size();
+    m_timeField->move(time.right() + 1 - size.width(), time.center().y() - size.height() / 2);
+}
+
+void ZoneRow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeTimeField();
 }
 
 QWidget *ZoneRow::timeArea() const

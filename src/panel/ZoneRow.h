@@ -74,12 +74,14 @@ Q_SIGNALS:
 protected:
     void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void updateTexts();
     void updateSymbols();
     void updateRenaming();
     void endTimeEntry();
+    void placeTimeField();
 
     State m_state;
     QLabel *m_handle;
@@ -87,7 +89,6 @@ private:
     QVBoxLayout *m_nameLayout;
     TextLine *m_name;
     TextLine *m_subtitle;
-    TextLine *m_notice;
     TextLine *m_time;
     QToolButton *m_pin;
     QToolButton *m_rename;
