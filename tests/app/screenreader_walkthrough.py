@@ -143,6 +143,8 @@ def main():
     time.sleep(1)
     pyatspi.Registry.registerEventListener(on_event, "focus:", "object:state-changed:focused",
                                            "object:state-changed:selected",
+                                           "object:state-changed:showing",
+                                           "object:property-change:accessible-name",
                                            "object:children-changed")
     zonara = subprocess.Popen([ZONARA], stderr=subprocess.DEVNULL)
     try:
@@ -231,6 +233,29 @@ def run(zonara, names):
         check(all(z["identifier"] != "Pacific/Auckland" for z in saved()), "the city is removed")
         check(any(event == "object:children-changed:remove" for event, _, _ in heard),
               "the list announced that a card left")
+
+    # Planning: a typed time moves every card; the strip is spoken as it comes and changes.
+    card = find(panel, "list item", "Tokyo office")
+    act(card, "Set time\u2026")
+    field = wait_for(lambda: focused_entry(panel))
+    check(field == "Time in Tokyo office", f"the time field has the keyboard ({field!r})")
+    type_text("15:00")
+    key("Return")
+    strip = wait_for(lambda: find(panel, "notification"))
+    check(strip is not None and strip.name.endswith(" 15:00 in Tokyo office"),
+          f"the strip names the moment ({strip.name if strip else None!r})")
+    check(("object:state-changed:showing", "notification", strip.name if strip else "") in heard,
+          "the strip was announced as it appeared")
+    check(find(panel, "push button", "Back to now") is not None, "Back to now is reachable")
+    check(last_focus() == ("list item", "Tokyo office"), "the keyboard is back on the card")
+    key("Right")
+    check(wait_for(lambda: find(panel, "notification").name.endswith(" 15:15 in Tokyo office")),
+          "Right moves the moment a quarter hour")
+    check(any(e == "object:property-change:accessible-name" and r == "notification"
+              and n.endswith("15:15 in Tokyo office") for e, r, n in heard),
+          "the strip's new text was announced")
+    key("Escape")
+    check(wait_for(lambda: find(panel, "notification") is None), "Escape goes back to now")
 
     # Escape closes the window; launching Zonara again brings the panel back.
     key("Escape")
