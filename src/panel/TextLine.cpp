@@ -21,6 +21,14 @@ void TextLine::setTone(Tone tone)
     update();
 }
 
+void TextLine::setDimmed(bool dimmed)
+{
+    if (m_dimmed == dimmed)
+        return;
+    m_dimmed = dimmed;
+    update();
+}
+
 void TextLine::setElides(bool elides)
 {
     if (m_elides == elides)
@@ -55,6 +63,8 @@ void TextLine::paintEvent(QPaintEvent *)
         painter.setPen(AppStyle::accent(palette()));
         break;
     }
+    if (m_dimmed)
+        painter.setOpacity(0.45);
     const QRect area = contentsRect();
     if (wordWrap()) {
         painter.drawText(area, int(alignment()) | Qt::TextWordWrap, text());

@@ -17,6 +17,9 @@ public:
 
     Tone tone() const { return m_tone; }
     void setTone(Tone tone);
+    // Drawn faint, for a line that matters less just now.
+    bool isDimmed() const { return m_dimmed; }
+    void setDimmed(bool dimmed);
     bool elides() const { return m_elides; }
     void setElides(bool elides);
 
@@ -28,4 +31,5 @@ protected:
 private:
     Tone m_tone;
     bool m_elides = false;
+    bool m_dimmed = false;
 };

@@ -34,6 +34,8 @@ QString ZoneCardAccessible::text(QAccessible::Text t) const
                       ZoneRowTexts::subtitle(row.zone, row.now, row.localZone)};
     if (row.zone.isPinned)
         parts.append(QStringLiteral("pinned"));
+    if (row.isOutsideWorkingHours)
+        parts.append(QStringLiteral("outside working hours"));
     parts.append(row.changeNotice);
     parts.removeAll(QString());
     return parts.join(QStringLiteral(", "));

@@ -150,6 +150,12 @@ void ZoneCollectionView::setCanShiftTime(bool canShift)
     m_canShiftTime = canShift;
     if (!canShift)
         m_state.backToNow();
+    // Heard when the list takes the keyboard: the keys are not on screen.
+    m_stack->setAccessibleDescription(
+        canShift ? QStringLiteral("Left and Right move every city's time by 15 minutes, with Shift "
+                                  "by an hour. Type a time to set the selected city's clock. "
+                                  "Escape goes back to now.")
+                 : QString());
     refreshCards();
 }
 

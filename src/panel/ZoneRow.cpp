@@ -127,7 +127,8 @@ void ZoneRow::setState(const State &state)
     const State old = std::exchange(m_state, state);
     const bool textsChanged = old.zone != state.zone || old.now != state.now ||
                               old.format != state.format || old.localZone != state.localZone ||
-                              old.canShiftTime != state.canShiftTime;
+                              old.canShiftTime != state.canShiftTime ||
+                              old.isOutsideWorkingHours != state.isOutsideWorkingHours;
     if (textsChanged)
         updateTexts();
     // Symbols depend on the pin and the handle only, not on the time.
@@ -165,6 +166,8 @@ void ZoneRow::updateTexts()
     m_subtitle->setText(ZoneRowTexts::subtitle(zone, m_state.now, m_state.localZone));
     m_time->setText(time);
     m_time->setAccessibleName(ZoneRowTexts::timeAccessibleName(displayName, time));
+    for (TextLine *line : {m_name, m_subtitle, m_time})
+        line->setDimmed(m_state.isOutsideWorkingHours);
     if (m_state.canShiftTime) {
         m_time->setCursor(Qt::SizeHorCursor);
         m_time->setToolTip(

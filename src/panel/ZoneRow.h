@@ -39,6 +39,8 @@ public:
         bool canShiftTime = false;
         // "clocks go back Sun" when the zone's offset changes soon; else empty.
         QString changeNotice;
+        // Outside the user's working hours at the shown moment: drawn faint.
+        bool isOutsideWorkingHours = false;
 
         friend bool operator==(const State &, const State &) = default;
     };
