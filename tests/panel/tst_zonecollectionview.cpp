@@ -205,6 +205,8 @@ private Q_SLOTS:
     void shiftTheMoment();
     void copyAllWhileShifted();
     void shiftAcrossAChangeInOneZoneOnly();
+    void typedTimeTheClocksSkipOrRepeat_data();
+    void typedTimeTheClocksSkipOrRepeat();
     void changeNotice_data();
     void changeNotice();
     void mistypedTimeStaysOpen();
@@ -574,6 +576,41 @@ void TestZoneCollectionView::shiftAcrossAChangeInOneZoneOnly()
     QCOMPARE(w.in<TextLine>("London", "zone-time")->text(), QStringLiteral("08:30"));
     QVERIFY(w.in<TextLine>("London", "zone-subtitle")->text().startsWith("GMT"));
     QCOMPARE(w.view->shiftText(), QStringLiteral("+2 h \u00b7 Sun 04:30 in Office"));
+}
+
+void TestZoneCollectionView::typedTimeTheClocksSkipOrRepeat_data()
+{
+    QTest::addColumn<QDateTime>("now");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("london");
+    // Midnight in New York on the days its clocks skip 02:00-03:00 and repeat 01:00-02:00.
+    QTest::newRow("skipped: the first valid time")
+        << QDateTime(QDate(2026, 3, 8), QTime(5, 0), QTimeZone::utc()) << "2:30"
+        << "03:00"
+        << "07:00";
+    QTest::newRow("repeated: the earlier")
+        << QDateTime(QDate(2026, 11, 1), QTime(4, 0), QTimeZone::utc()) << "1:30"
+        << "01:30"
+        << "05:30";
+}
+
+void TestZoneCollectionView::typedTimeTheClocksSkipOrRepeat()
+{
+    QFETCH(QDateTime, now);
+    QFETCH(QString, typed);
+    QFETCH(QString, shown);
+    QFETCH(QString, london);
+    ListWindow w;
+    w.panel.clock->setNow(now);
+    w.view->setCanShiftTime(true);
+    w.clickSubtitle("Office");
+    QTest::keyClick(w.stack(), typed.at(0).toLatin1());
+    QTRY_VERIFY_WITH_TIMEOUT(w.field() && w.field()->hasFocus(), timeout);
+    QTest::keyClicks(w.field(), typed.mid(1));
+    QTest::keyClick(w.field(), Qt::Key_Return);
+    QCOMPARE(w.in<TextLine>("Office", "zone-time")->text(), shown);
+    QCOMPARE(w.in<TextLine>("London", "zone-time")->text(), london);
 }
 
 void TestZoneCollectionView::changeNotice_data()
