@@ -50,6 +50,9 @@ private:
     int line(QCommandLineParser &parser);
     int watch(QCommandLineParser &parser);
     int list(QCommandLineParser &parser);
+    int at(QCommandLineParser &parser);
+    // Every saved city at the moment the query names; for `at` and `list --at`.
+    int moment(const QStringList &query, const QCommandLineParser &parser);
     int add(QCommandLineParser &parser);
     int rename(QCommandLineParser &parser);
     int setPinned(QCommandLineParser &parser, bool pinned);
