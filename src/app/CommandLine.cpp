@@ -55,12 +55,14 @@ const QString helpText = QStringLiteral(
     "  move ZONE (--before ZONE | --to-end)  reorder\n"
     "  search QUERY [--json]                 find cities and time zones to add\n"
     "  format [NAME]                         print the line format, or set it\n"
+    "  hours [RANGE | off]                   print the working hours, or set them\n"
     "\n"
     "ZONE is a position in the list (from 1), an id, or a city's name.\n"
     "NAME is one of: %1.\n"
     "TIME is a time of day such as 15:00, 9:30 or 3pm; CITY a saved city, a city\n"
     "to search for or a time zone; DATE the date in that city, e.g. 2026-03-10\n"
     "(default: its today).\n"
+    "RANGE is a start and an end such as 09:00-18:00 (22:00-06:00 across midnight).\n"
     "INSTANT is an ISO-8601 date and time with an offset, e.g. 2026-01-05T20:00:07-05:00.\n"
     "Your time zone is the system's, or TZ when it is set.\n");
 
@@ -297,6 +299,7 @@ int CommandLine::dispatch(const QStringList &arguments)
         {u"move", &CommandLine::move, {beforeOption, toEndOption}},
         {u"search", &CommandLine::search, {jsonOption}},
         {u"format", &CommandLine::format, {}},
+        {u"hours", &CommandLine::hours, {}},
     };
     for (const Entry &entry : commands) {
         if (command != QStringView(entry.name))
@@ -876,4 +879,34 @@ int CommandLine::format(QCommandLineParser &parser)
                               .arg(arguments.constFirst(), formatNames()));
     }
     return editResult(int(editor(true).setFormat(*format)));
+}
+
+int CommandLine::hours(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() > 1)
+        return usageError(QStringLiteral("\"hours\" takes at most one range, such as 09:00-18:00"));
+    if (arguments.isEmpty()) {
+        const std::optional<QString> text = m_preferences.readText(ZoneStore::workingHoursKey);
+        const std::optional<WorkingHours> hours =
+            text ? WorkingHours::fromString(*text) : std::nullopt;
+        return print(hours ? hours->toString() : QStringLiteral("off"));
+    }
+    std::optional<WorkingHours> hours;
+    if (arguments.constFirst() != u"off") {
+        hours = WorkingHours::fromString(arguments.constFirst());
+        if (!hours) {
+            return usageError(QStringLiteral("\"%1\" is not a range such as 09:00-18:00, nor off")
+                                  .arg(arguments.constFirst()));
+        }
+    }
+    // Straight to the file: a running Zonara takes it in from there, as it
+    // takes in any change made outside it.
+    ZoneStore store(m_preferences, TimeZoneDatabase::lookup());
+    store.setWorkingHours(hours);
+    if (store.saveFailed()) {
+        return usageError(
+            QStringLiteral("your change could not be saved: %1").arg(m_preferences.saveError()));
+    }
+    return Success;
 }

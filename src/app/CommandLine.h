@@ -60,6 +60,7 @@ private:
     int move(QCommandLineParser &parser);
     int search(QCommandLineParser &parser);
     int format(QCommandLineParser &parser);
+    int hours(QCommandLineParser &parser);
 
     // The running Zonara when there is one, else a store over the file;
     // reading alone never writes the file.

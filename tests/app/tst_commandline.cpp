@@ -328,6 +328,7 @@ void TestCommandLine::errors_data()
     QTest::newRow("at: nothing") << QStringList{"at"} << "takes a time";
     QTest::newRow("at: no such date")
         << QStringList{"at", "15:00", "--date", "2026-02-30"} << "2026-02-30";
+    QTest::newRow("hours: no range") << QStringList{"hours", "9-17"} << "\"9-17\"";
     QTest::newRow("list: a date alone") << QStringList{"list", "--date", "2026-03-10"} << "--at";
     // Not taken for the tray program: that would need a display.
     QTest::newRow("unknown option") << QStringList{"--jsn"} << "unknown option \"--jsn\"";
@@ -637,8 +638,9 @@ void TestCommandLine::atJson()
 {
     saveZones(workedExampleZones());
     // A night shift, across midnight.
-    SettingsPreferencesStore(configFile())
-        .writeText(ZoneStore::workingHoursKey, QStringLiteral("22:00-06:00"));
+    QCOMPARE(run({"hours"}).out, QStringLiteral("off\n"));
+    QCOMPARE(run({"hours", "22:00-06:00"}).exitCode, 0);
+    QCOMPARE(run({"hours"}).out, QStringLiteral("22:00-06:00\n"));
     const Result result = run({"at", "Tokyo 08:00", "--date", "2026-03-10", "--json"});
     QCOMPARE(result.exitCode, 0);
     const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
@@ -666,6 +668,15 @@ void TestCommandLine::atJson()
                        "London Europe/London 2026-03-09T23:00:00 23:00 0 - in",
                        "Tokyo office Asia/Tokyo 2026-03-10T08:00:00 08:00 32400 tomorrow out",
                    }));
+
+    QCOMPARE(run({"hours", "off"}).exitCode, 0);
+    QCOMPARE(run({"hours"}).out, QStringLiteral("off\n"));
+    const QJsonObject off =
+        QJsonDocument::fromJson(
+            run({"at", "Tokyo 08:00", "--date", "2026-03-10", "--json"}).out.toUtf8())
+            .object();
+    QCOMPARE(off["workingHours"], QJsonValue());
+    QVERIFY(!off["cities"][0].toObject().contains(QStringLiteral("workingTime")));
 }
 
 void TestCommandLine::searchJson()

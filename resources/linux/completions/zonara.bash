@@ -59,7 +59,7 @@ _zonara()
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W "--settings --panel --help --version" -- "$cur"))
         else
-            COMPREPLY=($(compgen -W "line watch list at add rename pin unpin remove move search format" -- "$cur"))
+            COMPREPLY=($(compgen -W "line watch list at add rename pin unpin remove move search format hours" -- "$cur"))
         fi
         return
     fi
@@ -87,6 +87,7 @@ _zonara()
     add) mapfile -t COMPREPLY < <(_zonara_time_zones "$program" "$cur") ;;
     rename | pin | unpin | remove | move) mapfile -t COMPREPLY < <(_zonara_saved_cities "$program" "$cur") ;;
     format) COMPREPLY=($(compgen -W "$_zonara_formats" -- "$cur")) ;;
+    hours) COMPREPLY=($(compgen -W "09:00-18:00 off" -- "$cur")) ;;
     esac
 } &&
     complete -F _zonara zonara

@@ -1,6 +1,6 @@
 # fish completion for zonara
 
-set -l commands line watch list at add rename pin unpin remove move search format
+set -l commands line watch list at add rename pin unpin remove move search format hours
 set -l formats labelTime24 labelTime12 timeOnly24 labelDayTime24 labelTime24Seconds
 
 # The saved cities' names, as "zonara list" prints them.
@@ -35,6 +35,7 @@ complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a remove -d '
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a move -d 'Reorder a city'
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a search -d 'Find cities and time zones to add'
 complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a format -d 'Print or set the line format'
+complete -c zonara -n "not __fish_seen_subcommand_from $commands" -a hours -d 'Print or set the working hours'
 
 complete -c zonara -n "__fish_seen_subcommand_from line watch" -l format -x -a "$formats" -d 'Line format'
 complete -c zonara -n "__fish_seen_subcommand_from line" -l at -x -d 'ISO 8601 date and time with an offset'
@@ -49,3 +50,4 @@ complete -c zonara -n "__fish_seen_subcommand_from rename pin unpin remove move;
 complete -c zonara -n "__fish_seen_subcommand_from move" -l before -x -a "(__zonara_saved_cities)" -d 'In front of'
 complete -c zonara -n "__fish_seen_subcommand_from move" -l to-end -d 'To the end'
 complete -c zonara -n "__fish_seen_subcommand_from format; and __fish_is_nth_token 2" -a "$formats"
+complete -c zonara -n "__fish_seen_subcommand_from hours; and __fish_is_nth_token 2" -a "09:00-18:00 off"
