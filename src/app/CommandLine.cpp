@@ -667,7 +667,7 @@ int CommandLine::moment(const QStringList &query, const QCommandLineParser &pars
         }
         const QDateTime shown = instant.toTimeZone(anchor.zone);
         QJsonObject object{
-            {QStringLiteral("moment"), instant.toString(Qt::ISODate)},
+            {QStringLiteral("moment"), instant.toUTC().toString(Qt::ISODate)},
             {QStringLiteral("anchor"),
              QJsonObject{
                  {QStringLiteral("name"), anchor.name.isEmpty() ? QJsonValue() : anchor.name},
