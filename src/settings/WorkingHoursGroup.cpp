@@ -43,13 +43,13 @@ WorkingHoursGroup::WorkingHoursGroup(ZoneStore &store, QWidget *parent)
     , m_toggle(new ToggleSwitch(QStringLiteral("Dim cities outside working hours")))
     , m_from(timeField(QStringLiteral("working-hours-from"), QStringLiteral("Working hours from")))
     , m_to(timeField(QStringLiteral("working-hours-to"), QStringLiteral("Working hours to")))
+    , m_range(new QWidget)
 {
     m_toggle->setObjectName(QStringLiteral("working-hours"));
     m_from->setTime(usualHours.start);
     m_to->setTime(usualHours.end);
 
-    auto *range = new QWidget;
-    auto *rangeLayout = new QHBoxLayout(range);
+    auto *rangeLayout = new QHBoxLayout(m_range);
     rangeLayout->setContentsMargins(0, 0, 0, 0);
     rangeLayout->setSpacing(8);
     rangeLayout->addWidget(fieldLabel(QStringLiteral("From"), m_from));
@@ -61,7 +61,7 @@ WorkingHoursGroup::WorkingHoursGroup(ZoneStore &store, QWidget *parent)
 
     auto *group = new FormGroup(QStringLiteral("Working hours"));
     group->addRow(m_toggle);
-    group->addRow(range);
+    group->addRow(m_range);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(group);
@@ -97,6 +97,6 @@ void WorkingHoursGroup::showStored()
         m_from->setTime(hours->start);
         m_to->setTime(hours->end);
     }
-    m_from->setEnabled(hours.has_value());
-    m_to->setEnabled(hours.has_value());
+    // The labels grey out with the fields.
+    m_range->setEnabled(hours.has_value());
 }

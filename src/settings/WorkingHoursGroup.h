@@ -24,4 +24,5 @@ private:
     ToggleSwitch *m_toggle;
     QTimeEdit *m_from;
     QTimeEdit *m_to;
+    QWidget *m_range;
 };
