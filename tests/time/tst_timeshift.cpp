@@ -131,8 +131,6 @@ void TestTimeShift::atQuery_data()
                              << "";
     QTest::newRow("time in the middle") << QStringList{"New 15:00 York"} << ""
                                         << "";
-    QTest::newRow("hour 25") << QStringList{"25:00 Tokyo"} << ""
-                             << "";
 }
 
 void TestTimeShift::atQuery()
