@@ -1,16 +1,20 @@
 #include "CommandLine.h"
 
+#include "AtQuery.h"
 #include "BusZoneEditor.h"
 #include "CityTimes.h"
 #include "Clock.h"
 #include "IsoInstant.h"
 #include "MemoryPreferencesStore.h"
 #include "MenuBarFormatter.h"
+#include "PosixTimeFormat.h"
 #include "StoreZoneEditor.h"
 #include "SystemTimeWatcher.h"
+#include "TimeShift.h"
 #include "TimeZoneDatabase.h"
 #include "ZoneChoices.h"
 #include "ZoneLimits.h"
+#include "ZoneOffset.h"
 #include "ZoneReference.h"
 #include "ZoneStore.h"
 
@@ -39,6 +43,10 @@ const QString helpText = QStringLiteral(
     "                                        (--genmon: for Xfce's Generic Monitor)\n"
     "  watch [--format NAME] [--json]        print it again at every tick, until stopped\n"
     "  list [--json]                         list the saved cities\n"
+    "  at TIME [CITY] [--date DATE] [--json], list --at \"TIME [CITY]\"\n"
+    "                                        every saved city when CITY's clock shows\n"
+    "                                        TIME (default: your own clock), e.g.\n"
+    "                                        zonara at \"15:00 Tokyo\" --date 2026-03-10\n"
     "  add IDENTIFIER [--nickname TEXT] [--pin]\n"
     "                                        add a city by its time zone\n"
     "  rename ZONE [TEXT]                    set a nickname (none: back to the city name)\n"
@@ -47,9 +55,14 @@ const QString helpText = QStringLiteral(
     "  move ZONE (--before ZONE | --to-end)  reorder\n"
     "  search QUERY [--json]                 find cities and time zones to add\n"
     "  format [NAME]                         print the line format, or set it\n"
+    "  hours [RANGE | off]                   print the working hours, or set them\n"
     "\n"
     "ZONE is a position in the list (from 1), an id, or a city's name.\n"
     "NAME is one of: %1.\n"
+    "TIME is a time of day such as 15:00, 9:30 or 3pm; CITY a saved city, a city\n"
+    "to search for or a time zone; DATE the date in that city, e.g. 2026-03-10\n"
+    "(default: its today).\n"
+    "RANGE is a start and an end such as 09:00-18:00 (22:00-06:00 across midnight).\n"
     "INSTANT is an ISO-8601 date and time with an offset, e.g. 2026-01-05T20:00:07-05:00.\n"
     "Your time zone is the system's, or TZ when it is set.\n");
 
@@ -119,6 +132,44 @@ QString genmonOutput(const QString &line, const QString &cities, const QString &
                                           .arg(line.toHtmlEscaped(), click);
     return output + QStringLiteral("<tool>%1</tool>")
                         .arg(cities.isEmpty() ? QStringLiteral("Zonara") : cities.toHtmlEscaped());
+}
+
+// The city whose clock an `at` query sets.
+struct Anchor
+{
+    QString name;
+    QString identifier;
+    QTimeZone zone;
+};
+
+// A saved city (by name, then by zone) first, then the catalogue's best
+// match, then a zone identifier.
+std::optional<Anchor> anchorNamed(const QString &text, const QList<SavedZone> &zones)
+{
+    const QString identifier = TimeZoneDatabase::canonicalIdentifier(text);
+    const auto saved = [&](const auto &matches) -> std::optional<Anchor> {
+        for (const SavedZone &zone : zones) {
+            const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier);
+            if (timeZone && matches(zone))
+                return Anchor{zone.displayName(), zone.identifier, *timeZone};
+        }
+        return std::nullopt;
+    };
+    if (auto found = saved([&](const SavedZone &zone) {
+            return zone.displayName().compare(text, Qt::CaseInsensitive) == 0;
+        }))
+        return found;
+    if (auto found = saved([&](const SavedZone &zone) {
+            return zone.identifier.compare(identifier, Qt::CaseInsensitive) == 0;
+        }))
+        return found;
+    for (const ZoneSearchResult &result : ZoneChoices::results(text)) {
+        if (const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(result.identifier))
+            return Anchor{result.title, result.identifier, *zone};
+    }
+    if (const std::optional<QTimeZone> zone = TimeZoneDatabase::resolve(identifier))
+        return Anchor{cityPart(identifier), identifier, *zone};
+    return std::nullopt;
 }
 
 QString describe(const SavedZone &zone)
@@ -226,6 +277,7 @@ int CommandLine::dispatch(const QStringList &arguments)
     const QCommandLineOption formatOption(QStringLiteral("format"), QString(),
                                           QStringLiteral("NAME"));
     const QCommandLineOption atOption(QStringLiteral("at"), QString(), QStringLiteral("INSTANT"));
+    const QCommandLineOption dateOption(QStringLiteral("date"), QString(), QStringLiteral("DATE"));
     const QCommandLineOption genmonOption(QStringLiteral("genmon"));
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption nicknameOption(QStringLiteral("nickname"), QString(),
@@ -237,7 +289,8 @@ int CommandLine::dispatch(const QStringList &arguments)
     const QList<Entry> commands{
         {u"line", &CommandLine::line, {formatOption, atOption, genmonOption}},
         {u"watch", &CommandLine::watch, {formatOption, jsonOption}},
-        {u"list", &CommandLine::list, {jsonOption}},
+        {u"list", &CommandLine::list, {jsonOption, atOption, dateOption}},
+        {u"at", &CommandLine::at, {jsonOption, dateOption}},
         {u"add", &CommandLine::add, {nicknameOption, pinOption}},
         {u"rename", &CommandLine::rename, {}},
         {u"pin", nullptr, {}},
@@ -246,6 +299,7 @@ int CommandLine::dispatch(const QStringList &arguments)
         {u"move", &CommandLine::move, {beforeOption, toEndOption}},
         {u"search", &CommandLine::search, {jsonOption}},
         {u"format", &CommandLine::format, {}},
+        {u"hours", &CommandLine::hours, {}},
     };
     for (const Entry &entry : commands) {
         if (command != QStringView(entry.name))
@@ -475,6 +529,10 @@ int CommandLine::list(QCommandLineParser &parser)
     if (!parser.positionalArguments().isEmpty())
         return usageError(QStringLiteral("\"list\" takes no argument \"%1\"")
                               .arg(parser.positionalArguments().constFirst()));
+    if (parser.isSet(QStringLiteral("at")))
+        return moment({parser.value(QStringLiteral("at"))}, parser);
+    if (parser.isSet(QStringLiteral("date")))
+        return usageError(QStringLiteral("--date goes with --at, such as --at \"15:00 Tokyo\""));
     ZoneEditor &source = editor(false);
     const std::optional<QList<SavedZone>> zones = source.zones();
     const std::optional<MenuBarFormat> format = source.format();
@@ -518,6 +576,138 @@ int CommandLine::list(QCommandLineParser &parser)
                      time.subtitle});
     }
     return print(table(rows).chopped(1));
+}
+
+int CommandLine::at(QCommandLineParser &parser)
+{
+    return moment(parser.positionalArguments(), parser);
+}
+
+int CommandLine::moment(const QStringList &query, const QCommandLineParser &parser)
+{
+    if (query.join(QString()).trimmed().isEmpty())
+        return usageError(QStringLiteral("\"at\" takes a time and, optionally, a city, such as "
+                                         "\"15:00 Tokyo\""));
+    const std::optional<AtQuery> asked = AtQuery::parse(query);
+    if (!asked) {
+        return usageError(QStringLiteral("\"%1\" has no time of day such as 15:00 or 3pm at its "
+                                         "start or end")
+                              .arg(query.join(u' ')));
+    }
+    ZoneEditor &source = editor(false);
+    const std::optional<QList<SavedZone>> zones = source.zones();
+    const std::optional<MenuBarFormat> format = source.format();
+    if (!zones || !format)
+        return editResult(int(ZoneEditor::Result::Unreachable));
+    const QTimeZone local = TimeZoneDatabase::localZone();
+
+    Anchor anchor{QString(), QString::fromUtf8(local.id()), local};
+    if (!asked->city.isEmpty()) {
+        const std::optional<Anchor> found = anchorNamed(asked->city, *zones);
+        if (!found) {
+            return usageError(
+                QStringLiteral("no city or time zone matches \"%1\"").arg(asked->city));
+        }
+        anchor = *found;
+    }
+    QDate date = QDateTime::currentDateTimeUtc().toTimeZone(anchor.zone).date();
+    if (parser.isSet(QStringLiteral("date"))) {
+        const QString text = parser.value(QStringLiteral("date"));
+        date = QDate::fromString(text, u"yyyy-MM-dd");
+        if (!date.isValid())
+            return usageError(QStringLiteral("\"%1\" is not a date such as 2026-03-10").arg(text));
+    }
+
+    const QDateTime instant = TimeShift::instantAt(date, asked->time, anchor.zone);
+    const TimeShift::WallTime wall = TimeShift::wallTime(date, asked->time, anchor.zone);
+    const QString typed = asked->time.toString(u"HH:mm");
+    const QString place = anchor.name.isEmpty()
+                              ? QStringLiteral("your time zone (%1)").arg(anchor.identifier)
+                              : anchor.name;
+    QString note;
+    if (wall == TimeShift::WallTime::skipped) {
+        note = QStringLiteral("%1 does not exist there that day (the clocks go forward); "
+                              "this is the next valid time")
+                   .arg(typed);
+    } else if (wall == TimeShift::WallTime::repeated) {
+        note = QStringLiteral("%1 comes twice there that day (the clocks go back); this is "
+                              "the first, %2")
+                   .arg(typed, anchor.zone.abbreviation(instant));
+    }
+    const std::optional<QString> hoursText = m_preferences.readText(ZoneStore::workingHoursKey);
+    const std::optional<WorkingHours> hours =
+        hoursText ? WorkingHours::fromString(*hoursText) : std::nullopt;
+
+    if (parser.isSet(QStringLiteral("json"))) {
+        QJsonArray cities;
+        for (qsizetype i = 0; i < zones->size(); ++i) {
+            const SavedZone &zone = zones->at(i);
+            QJsonObject city{
+                {QStringLiteral("position"), int(i + 1)},
+                {QStringLiteral("displayName"), zone.displayName()},
+                {QStringLiteral("identifier"), zone.identifier},
+            };
+            if (const std::optional<QTimeZone> timeZone =
+                    TimeZoneDatabase::resolve(zone.identifier)) {
+                const ZoneOffsetInfo offset = ZoneOffset::info(*timeZone, instant, local);
+                const QDateTime there = instant.toTimeZone(*timeZone);
+                city.insert(QStringLiteral("localDateTime"),
+                            QDateTime(there.date(), there.time()).toString(Qt::ISODate));
+                city.insert(QStringLiteral("time"),
+                            MenuBarFormatter::timeString(*format, instant, *timeZone));
+                city.insert(QStringLiteral("utcOffsetSeconds"), timeZone->offsetFromUtc(instant));
+                city.insert(QStringLiteral("relativeDay"),
+                            offset.relativeDay ? QJsonValue(*offset.relativeDay) : QJsonValue());
+                if (hours) {
+                    city.insert(QStringLiteral("workingTime"),
+                                TimeShift::isWorkingTime(*hours, instant, *timeZone));
+                }
+            }
+            cities.append(city);
+        }
+        const QDateTime shown = instant.toTimeZone(anchor.zone);
+        QJsonObject object{
+            {QStringLiteral("moment"), instant.toUTC().toString(Qt::ISODate)},
+            {QStringLiteral("anchor"),
+             QJsonObject{
+                 {QStringLiteral("name"), anchor.name.isEmpty() ? QJsonValue() : anchor.name},
+                 {QStringLiteral("identifier"), anchor.identifier},
+                 {QStringLiteral("localDateTime"),
+                  QDateTime(shown.date(), shown.time()).toString(Qt::ISODate)},
+                 {QStringLiteral("note"), note.isEmpty() ? QJsonValue() : note},
+             }},
+            {QStringLiteral("workingHours"), hours ? QJsonValue(hours->toString()) : QJsonValue()},
+            {QStringLiteral("cities"), cities},
+        };
+        return print(compactJson(object));
+    }
+
+    QString text = MenuBarFormatter::timeString(*format, instant, anchor.zone) + u' ' +
+                   PosixTimeFormat::format(instant, anchor.zone, u"EEE") + u' ' +
+                   instant.toTimeZone(anchor.zone).date().toString(u"yyyy-MM-dd") +
+                   QStringLiteral(" in ") + place + u'\n';
+    if (!note.isEmpty())
+        text += note + u'\n';
+    QList<QStringList> rows{{QStringLiteral("#"), QStringLiteral("Name"),
+                             QStringLiteral("Time zone"), QStringLiteral("Time"),
+                             QStringLiteral("Offset")}};
+    if (hours)
+        rows.first().append(QStringLiteral("Working hours"));
+    for (qsizetype i = 0; i < zones->size(); ++i) {
+        const SavedZone &zone = zones->at(i);
+        const CityTimes::Entry time = CityTimes::entryFor(zone, *format, instant, local);
+        QStringList row{QString::number(i + 1), zone.displayName(), zone.identifier, time.time,
+                        time.subtitle};
+        if (hours) {
+            const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier);
+            row.append(!timeZone ? QStringLiteral("-")
+                       : TimeShift::isWorkingTime(*hours, instant, *timeZone)
+                           ? QStringLiteral("yes")
+                           : QStringLiteral("no"));
+        }
+        rows.append(row);
+    }
+    return print(text + table(rows).chopped(1));
 }
 
 int CommandLine::add(QCommandLineParser &parser)
@@ -689,4 +879,34 @@ int CommandLine::format(QCommandLineParser &parser)
                               .arg(arguments.constFirst(), formatNames()));
     }
     return editResult(int(editor(true).setFormat(*format)));
+}
+
+int CommandLine::hours(QCommandLineParser &parser)
+{
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() > 1)
+        return usageError(QStringLiteral("\"hours\" takes at most one range, such as 09:00-18:00"));
+    if (arguments.isEmpty()) {
+        const std::optional<QString> text = m_preferences.readText(ZoneStore::workingHoursKey);
+        const std::optional<WorkingHours> hours =
+            text ? WorkingHours::fromString(*text) : std::nullopt;
+        return print(hours ? hours->toString() : QStringLiteral("off"));
+    }
+    std::optional<WorkingHours> hours;
+    if (arguments.constFirst() != u"off") {
+        hours = WorkingHours::fromString(arguments.constFirst());
+        if (!hours) {
+            return usageError(QStringLiteral("\"%1\" is not a range such as 09:00-18:00, nor off")
+                                  .arg(arguments.constFirst()));
+        }
+    }
+    // Straight to the file: a running Zonara takes it in from there, as it
+    // takes in any change made outside it.
+    ZoneStore store(m_preferences, TimeZoneDatabase::lookup());
+    store.setWorkingHours(hours);
+    if (store.saveFailed()) {
+        return usageError(
+            QStringLiteral("your change could not be saved: %1").arg(m_preferences.saveError()));
+    }
+    return Success;
 }

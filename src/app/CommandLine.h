@@ -50,6 +50,9 @@ private:
     int line(QCommandLineParser &parser);
     int watch(QCommandLineParser &parser);
     int list(QCommandLineParser &parser);
+    int at(QCommandLineParser &parser);
+    // Every saved city at the moment the query names; for `at` and `list --at`.
+    int moment(const QStringList &query, const QCommandLineParser &parser);
     int add(QCommandLineParser &parser);
     int rename(QCommandLineParser &parser);
     int setPinned(QCommandLineParser &parser, bool pinned);
@@ -57,6 +60,7 @@ private:
     int move(QCommandLineParser &parser);
     int search(QCommandLineParser &parser);
     int format(QCommandLineParser &parser);
+    int hours(QCommandLineParser &parser);
 
     // The running Zonara when there is one, else a store over the file;
     // reading alone never writes the file.

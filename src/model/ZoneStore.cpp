@@ -12,6 +12,7 @@
 const QString ZoneStore::zonesKey = QStringLiteral("zonara.zones");
 const QString ZoneStore::formatKey = QStringLiteral("zonara.format");
 const QString ZoneStore::seededKey = QStringLiteral("zonara.seeded");
+const QString ZoneStore::workingHoursKey = QStringLiteral("zonara.workingHours");
 
 namespace {
 
@@ -71,6 +72,15 @@ void ZoneStore::setZones(const QList<SavedZone> &zones)
 void ZoneStore::setFormat(MenuBarFormat format)
 {
     m_pendingFormat = format;
+    commit(nullptr, Announce::ifChanged);
+}
+
+void ZoneStore::setWorkingHours(const std::optional<WorkingHours> &hours)
+{
+    // The time fields set it on every step of an edit; most steps change nothing.
+    if (hours == m_workingHours && !m_pendingWorkingHours)
+        return;
+    m_pendingWorkingHours = hours;
     commit(nullptr, Announce::ifChanged);
 }
 
@@ -251,6 +261,8 @@ bool ZoneStore::readSaved()
         if (const std::optional<MenuBarFormat> format = MenuBarFormats::fromRawValue(*text))
             m_savedFormat = *format;
     }
+    const std::optional<QString> hours = m_preferences.readText(workingHoursKey);
+    m_savedWorkingHours = hours ? WorkingHours::fromString(*hours) : std::nullopt;
     const std::optional<QByteArray> bytes = m_preferences.readBytes(zonesKey);
     if (!bytes)
         return true;
@@ -266,6 +278,7 @@ bool ZoneStore::commit(const ZoneEdit &edit, Announce announce, const std::funct
     bool applied = false;
     QList<SavedZone> zones;
     MenuBarFormat format = m_format;
+    std::optional<WorkingHours> hours = m_workingHours;
     const bool saved = m_preferences.edit([&] {
         const bool listReadable = readSaved();
         if (plan)
@@ -287,6 +300,11 @@ bool ZoneStore::commit(const ZoneEdit &edit, Announce announce, const std::funct
         }
         if (m_pendingFormat)
             m_preferences.writeText(formatKey, MenuBarFormats::rawValue(*m_pendingFormat));
+        hours = m_pendingWorkingHours.value_or(m_savedWorkingHours);
+        if (m_pendingWorkingHours) {
+            m_preferences.writeText(workingHoursKey,
+                                    hours ? hours->toString() : QStringLiteral("off"));
+        }
         if (m_pendingSeeded)
             m_preferences.writeBool(seededKey, true);
     });
@@ -295,10 +313,12 @@ bool ZoneStore::commit(const ZoneEdit &edit, Announce announce, const std::funct
         m_savedFormat = format;
         m_pendingZones.clear();
         m_pendingFormat.reset();
+        m_savedWorkingHours = hours;
+        m_pendingWorkingHours.reset();
         m_pendingSeeded = false;
     }
     setSaveFailed(!saved);
-    show(zones, format, applied && announce == Announce::always);
+    show(zones, format, hours, applied && announce == Announce::always);
     return applied;
 }
 
@@ -315,13 +335,15 @@ void ZoneStore::takeOutsideChanges()
         return;
     }
     readSaved();
-    show(m_savedZones, m_savedFormat, false);
+    show(m_savedZones, m_savedFormat, m_savedWorkingHours, false);
 }
 
-void ZoneStore::show(const QList<SavedZone> &zones, MenuBarFormat format, bool announceZones)
+void ZoneStore::show(const QList<SavedZone> &zones, MenuBarFormat format,
+                     const std::optional<WorkingHours> &hours, bool announceZones)
 {
     const bool zonesDiffer = zones != m_zones;
     const bool formatDiffers = format != m_format;
+    const bool hoursDiffer = hours != m_workingHours;
     // Changed in place where the length allows, so that a caller walking the
     // list while it edits never walks freed memory; never shared otherwise.
     if (zones.size() == m_zones.size()) {
@@ -334,10 +356,13 @@ void ZoneStore::show(const QList<SavedZone> &zones, MenuBarFormat format, bool a
         m_zones.detach();
     }
     m_format = format;
+    m_workingHours = hours;
     if (zonesDiffer || announceZones)
         Q_EMIT zonesChanged();
     if (formatDiffers)
         Q_EMIT formatChanged();
+    if (hoursDiffer)
+        Q_EMIT workingHoursChanged();
 }
 
 void ZoneStore::setSaveFailed(bool failed)

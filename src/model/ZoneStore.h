@@ -2,6 +2,7 @@
 
 #include "MenuBarFormat.h"
 #include "SavedZone.h"
+#include "WorkingHours.h"
 
 #include <QList>
 #include <QObject>
@@ -41,6 +42,7 @@ public:
     static const QString zonesKey;
     static const QString formatKey;
     static const QString seededKey;
+    static const QString workingHoursKey;
 
     // How long a failed save waits before it is tried again on its own.
     static constexpr int retryIntervalMs = 15000;
@@ -54,6 +56,11 @@ public:
 
     MenuBarFormat format() const { return m_format; }
     void setFormat(MenuBarFormat format);
+
+    // Off (nothing) unless the user set a range; a saved value that cannot
+    // be read is off too. An equal value is not written again.
+    std::optional<WorkingHours> workingHours() const { return m_workingHours; }
+    void setWorkingHours(const std::optional<WorkingHours> &hours);
 
     QList<SavedZone> pinnedZones() const;
 
@@ -90,6 +97,7 @@ public:
 Q_SIGNALS:
     void zonesChanged();
     void formatChanged();
+    void workingHoursChanged();
     void saveFailedChanged();
 
 private:
@@ -109,20 +117,25 @@ private:
                 const std::function<void()> &plan = nullptr);
     void retry();
     void takeOutsideChanges();
-    void show(const QList<SavedZone> &zones, MenuBarFormat format, bool announceZones);
+    void show(const QList<SavedZone> &zones, MenuBarFormat format,
+              const std::optional<WorkingHours> &hours, bool announceZones);
     void setSaveFailed(bool failed);
 
     PreferencesStore &m_preferences;
     TimeZoneLookup m_lookup;
     QList<SavedZone> m_zones;
     MenuBarFormat m_format = MenuBarFormat::labelTime24;
+    std::optional<WorkingHours> m_workingHours;
 
     // What the preferences held when last read or written.
     QList<SavedZone> m_savedZones;
     MenuBarFormat m_savedFormat = MenuBarFormat::labelTime24;
+    std::optional<WorkingHours> m_savedWorkingHours;
     // Changes not saved yet, replayed on top of what is saved at each attempt.
     QList<ZoneEdit> m_pendingZones;
     std::optional<MenuBarFormat> m_pendingFormat;
+    // Set while a change of the working hours (possibly to off) awaits saving.
+    std::optional<std::optional<WorkingHours>> m_pendingWorkingHours;
     bool m_pendingSeeded = false;
     bool m_saveFailed = false;
     QTimer m_retry;

@@ -102,6 +102,7 @@ ZoneCollectionView::ZoneCollectionView(ZoneStore &store, Clock &clock, bool show
     // Only the visible list follows the clock; a hidden one catches up when shown.
     auto *timesUpdate = new ShownUpdate(this, [this] { refreshCards(); });
     connect(&m_store, &ZoneStore::formatChanged, timesUpdate, &ShownUpdate::request);
+    connect(&m_store, &ZoneStore::workingHoursChanged, timesUpdate, &ShownUpdate::request);
     connect(&m_clock, &Clock::nowChanged, timesUpdate, &ShownUpdate::request);
     for (const auto signal :
          {&ZoneCollectionState::hoveredIdChanged, &ZoneCollectionState::selectedIdChanged,
@@ -318,6 +319,9 @@ ZoneCard::State ZoneCollectionView::cardState(const SavedZone &zone,
     if (const std::optional<QTimeZone> timeZone = TimeZoneDatabase::resolve(zone.identifier)) {
         if (const auto change = TimeShift::upcomingChange(*timeZone, state.row.now))
             state.row.changeNotice = TimeShift::changeNotice(*change, *timeZone);
+        if (const std::optional<WorkingHours> hours = m_store.workingHours())
+            state.row.isOutsideWorkingHours =
+                !TimeShift::isWorkingTime(*hours, state.row.now, *timeZone);
     }
     state.row.format = m_store.format();
     state.row.localZone = localZone;

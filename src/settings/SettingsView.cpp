@@ -11,6 +11,7 @@
 #include "ReturnPressesButtons.h"
 #include "SaveErrorLine.h"
 #include "TextLine.h"
+#include "WorkingHoursGroup.h"
 #include "WorldMark.h"
 #include "ZoneCollectionView.h"
 
@@ -110,12 +111,15 @@ QWidget *SettingsView::makeCitiesTab()
     top->addWidget(add, 0, Qt::AlignVCenter);
 
     auto *collection = new ZoneCollectionView(m_store, m_clock, true);
+    auto *hours = new WorkingHoursGroup(m_store);
+    hours->setContentsMargins(20, 0, 20, 16);
     auto *tab = new QWidget;
     auto *layout = new QVBoxLayout(tab);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(14);
     layout->addLayout(top);
     layout->addWidget(collection, 1);
+    layout->addWidget(hours);
     return tab;
 }
 

@@ -60,6 +60,27 @@ QDateTime instantAt(const QDate &date, const QTime &time, const QTimeZone &zone)
     return next.atUtc.toTimeZone(QTimeZone::utc());
 }
 
+WallTime wallTime(const QDate &date, const QTime &time, const QTimeZone &zone)
+{
+    const QDateTime first = instantAt(date, time, zone);
+    const QDateTime shown = first.toTimeZone(zone);
+    if (shown.date() != date || shown.time() != time)
+        return WallTime::skipped;
+    // Shown again later: the wall time read with the offset the zone has a
+    // day after, when that is a different instant the zone agrees with.
+    const qint64 wall = QDateTime(date, time, QTimeZone::utc()).toSecsSinceEpoch();
+    const int later =
+        zone.offsetFromUtc(QDateTime::fromSecsSinceEpoch(wall + 86400, QTimeZone::utc()));
+    const QDateTime second = QDateTime::fromSecsSinceEpoch(wall - later, QTimeZone::utc());
+    return second != first && zone.offsetFromUtc(second) == later ? WallTime::repeated
+                                                                  : WallTime::once;
+}
+
+bool isWorkingTime(const WorkingHours &hours, const QDateTime &moment, const QTimeZone &zone)
+{
+    return hours.contains(moment.toTimeZone(zone).time());
+}
+
 QDateTime instantForTypedTime(const QDateTime &shown, const QTime &time, const QTimeZone &zone)
 {
     return instantAt(shown.toTimeZone(zone).date(), time, zone);

@@ -2,6 +2,7 @@
 
 #include "MenuBarFormat.h"
 #include "SavedZone.h"
+#include "WorkingHours.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -24,6 +25,14 @@ std::optional<QTime> parseTime(QStringView text);
 // clocks skip (spring forward) gives the first instant after the gap; a time
 // they show twice (fall back) gives the earlier instant.
 QDateTime instantAt(const QDate &date, const QTime &time, const QTimeZone &zone);
+
+// How the zone's clocks show a date and time: once, not at all (skipped when
+// they spring forward), or twice (when they fall back).
+enum class WallTime { once, skipped, repeated };
+WallTime wallTime(const QDate &date, const QTime &time, const QTimeZone &zone);
+
+// Whether the zone's clocks show a time within the working hours at the moment.
+bool isWorkingTime(const WorkingHours &hours, const QDateTime &moment, const QTimeZone &zone);
 
 // The same zone's clock set to a typed time: on the day the clock shows at
 // `shown`, at `time`.

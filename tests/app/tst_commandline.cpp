@@ -56,6 +56,9 @@ private Q_SLOTS:
     void move_data();
     void move();
     void search();
+    void at_data();
+    void at();
+    void atJson();
     void searchJson();
     void format();
     void watchPrintsOnEveryTick();
@@ -320,6 +323,14 @@ void TestCommandLine::errors_data()
     QTest::newRow("missing value") << QStringList{"line", "--at"} << "at";
     QTest::newRow("stray argument") << QStringList{"line", "now"} << "now";
     QTest::newRow("unknown command") << QStringList{"frobnicate"} << "frobnicate";
+    QTest::newRow("at: unknown city")
+        << QStringList{"at", "15:00 Qwertyville"} << "\"Qwertyville\"";
+    QTest::newRow("at: no time") << QStringList{"at", "Tokyo"} << "no time of day";
+    QTest::newRow("at: nothing") << QStringList{"at"} << "takes a time";
+    QTest::newRow("at: no such date")
+        << QStringList{"at", "15:00", "--date", "2026-02-30"} << "2026-02-30";
+    QTest::newRow("hours: no range") << QStringList{"hours", "9-17"} << "\"9-17\"";
+    QTest::newRow("list: a date alone") << QStringList{"list", "--date", "2026-03-10"} << "--at";
     // Not taken for the tray program: that would need a display.
     QTest::newRow("unknown option") << QStringList{"--jsn"} << "unknown option \"--jsn\"";
     QTest::newRow("Qt option, then unknown")
@@ -551,6 +562,122 @@ void TestCommandLine::search()
     QCOMPARE(nothing.exitCode, 1);
     QCOMPARE(nothing.out, QString());
     QVERIFY(nothing.err.contains(QStringLiteral("\"zzzz\"")));
+}
+
+void TestCommandLine::at_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("tz");
+    QTest::addColumn<QString>("hours");        // the working hours; empty: off
+    QTest::addColumn<QStringList>("expected"); // the first lines of the output
+    // New York has moved its clocks, London and Paris not yet.
+    QTest::newRow("between the US and EU changes")
+        << QStringList{"at", "15:00 Tokyo", "--date", "2026-03-10"} << "America/New_York"
+        << ""
+        << QStringList{"15:00 Tue 2026-03-10 in Tokyo",
+                       "#  Name          Time zone         Time   Offset",
+                       "1  New York      America/New_York  02:00  EDT · local",
+                       "2  Paris         Europe/Paris      07:00  CET · +5h",
+                       "3  London        Europe/London     06:00  GMT · +4h",
+                       "4  Tokyo office  Asia/Tokyo        15:00  JST · +13h",
+                       ""};
+    QTest::newRow("skipped: the next valid time")
+        << QStringList{"at", "2:30 am New York", "--date", "2026-03-08"} << "America/New_York"
+        << ""
+        << QStringList{"03:00 Sun 2026-03-08 in New York",
+                       "02:30 does not exist there that day (the clocks go forward); this is "
+                       "the next valid time",
+                       "#  Name          Time zone         Time   Offset",
+                       "1  New York      America/New_York  03:00  EDT · local"};
+    QTest::newRow("shown twice, on the own clock: the first")
+        << QStringList{"at", "1:30", "--date", "2026-11-01"} << "America/New_York"
+        << ""
+        << QStringList{"01:30 Sun 2026-11-01 in your time zone (America/New_York)",
+                       "01:30 comes twice there that day (the clocks go back); this is the "
+                       "first, EDT",
+                       "#  Name          Time zone         Time   Offset",
+                       "1  New York      America/New_York  01:30  EDT · local"};
+    QTest::newRow("city after the time, in words; working hours")
+        << QStringList{"at", "20:00", "New", "York", "--date", "2026-01-05"} << "Asia/Tokyo"
+        << "09:00-18:00"
+        << QStringList{
+               "20:00 Mon 2026-01-05 in New York",
+               "#  Name          Time zone         Time   Offset                 Working hours",
+               "1  New York      America/New_York  20:00  EST · -14h, yesterday  no",
+               "2  Paris         Europe/Paris      02:00  CET · -8h              no",
+               "3  London        Europe/London     01:00  GMT · -9h              no",
+               "4  Tokyo office  Asia/Tokyo        10:00  JST · local            yes",
+               ""};
+    QTest::newRow("list --at, a nickname")
+        << QStringList{"list", "--at", "Tokyo office 8am", "--date", "2026-01-06"}
+        << "America/New_York"
+        << ""
+        << QStringList{"08:00 Tue 2026-01-06 in Tokyo office",
+                       "#  Name          Time zone         Time   Offset",
+                       "1  New York      America/New_York  18:00  EST · local",
+                       "2  Paris         Europe/Paris      00:00  CET · +6h, tomorrow"};
+}
+
+void TestCommandLine::at()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, tz);
+    QFETCH(QString, hours);
+    QFETCH(QStringList, expected);
+    saveZones(workedExampleZones());
+    if (!hours.isEmpty())
+        SettingsPreferencesStore(configFile()).writeText(ZoneStore::workingHoursKey, hours);
+    const Result result = run(arguments, tz);
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.exitCode, 0);
+    const QStringList lines = result.out.split(u'\n');
+    QVERIFY2(lines.size() >= expected.size(), qPrintable(result.out));
+    QCOMPARE(lines.first(expected.size()), expected);
+}
+
+void TestCommandLine::atJson()
+{
+    saveZones(workedExampleZones());
+    // A night shift, across midnight.
+    QCOMPARE(run({"hours"}).out, QStringLiteral("off\n"));
+    QCOMPARE(run({"hours", "22:00-06:00"}).exitCode, 0);
+    QCOMPARE(run({"hours"}).out, QStringLiteral("22:00-06:00\n"));
+    const Result result = run({"at", "Tokyo 08:00", "--date", "2026-03-10", "--json"});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonObject object = QJsonDocument::fromJson(result.out.toUtf8()).object();
+    QCOMPARE(object["moment"].toString(), QStringLiteral("2026-03-09T23:00:00Z"));
+    QCOMPARE(object["workingHours"].toString(), QStringLiteral("22:00-06:00"));
+    const QJsonObject anchor = object["anchor"].toObject();
+    QCOMPARE(anchor["name"].toString(), QStringLiteral("Tokyo"));
+    QCOMPARE(anchor["identifier"].toString(), QStringLiteral("Asia/Tokyo"));
+    QCOMPARE(anchor["localDateTime"].toString(), QStringLiteral("2026-03-10T08:00:00"));
+    QCOMPARE(anchor["note"], QJsonValue());
+
+    const QJsonArray cities = object["cities"].toArray();
+    QStringList seen;
+    for (const QJsonValue &city : cities) {
+        seen.append(QStringList{city["displayName"].toString(), city["identifier"].toString(),
+                                city["localDateTime"].toString(), city["time"].toString(),
+                                QString::number(city["utcOffsetSeconds"].toInt()),
+                                city["relativeDay"].toString(QStringLiteral("-")),
+                                city["workingTime"].toBool() ? "in" : "out"}
+                        .join(u' '));
+    }
+    QCOMPARE(seen, (QStringList{
+                       "New York America/New_York 2026-03-09T19:00:00 19:00 -14400 - out",
+                       "Paris Europe/Paris 2026-03-10T00:00:00 00:00 3600 tomorrow in",
+                       "London Europe/London 2026-03-09T23:00:00 23:00 0 - in",
+                       "Tokyo office Asia/Tokyo 2026-03-10T08:00:00 08:00 32400 tomorrow out",
+                   }));
+
+    QCOMPARE(run({"hours", "off"}).exitCode, 0);
+    QCOMPARE(run({"hours"}).out, QStringLiteral("off\n"));
+    const QJsonObject off =
+        QJsonDocument::fromJson(
+            run({"at", "Tokyo 08:00", "--date", "2026-03-10", "--json"}).out.toUtf8())
+            .object();
+    QCOMPARE(off["workingHours"], QJsonValue());
+    QVERIFY(!off["cities"][0].toObject().contains(QStringLiteral("workingTime")));
 }
 
 void TestCommandLine::searchJson()

@@ -100,6 +100,9 @@ private Q_SLOTS:
     void unreadableListStaysUntouched();
     void loadsFormat_data();
     void loadsFormat();
+    void workingHours_data();
+    void workingHours();
+    void workingHoursAreSavedOnlyWhenChanged();
     void add_data();
     void add();
     void rename_data();
@@ -225,6 +228,73 @@ void TestZoneStore::loadsFormat()
     // A valid format is written back; an unknown text is left as it was.
     QCOMPARE(preferences.writeCount(ZoneStore::formatKey), formatWrites);
     QCOMPARE(preferences.readText(ZoneStore::formatKey), std::optional(stored));
+}
+
+void TestZoneStore::workingHours_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("read"); // empty: off
+    QTest::addColumn<QStringList>("inside");
+    QTest::addColumn<QStringList>("outside");
+    QTest::newRow("day") << "09:00-18:00"
+                         << "09:00-18:00" << QStringList{"09:00", "17:59:59"}
+                         << QStringList{"08:59", "18:00", "00:00"};
+    QTest::newRow("across midnight, en dash, spaces")
+        << " 22:00 \u2013 6:00 "
+        << "22:00-06:00" << QStringList{"22:00", "00:00", "05:59"}
+        << QStringList{"06:00", "12:00", "21:59"};
+    QTest::newRow("starts where it ends") << "09:00-09:00"
+                                          << "" << QStringList() << QStringList();
+    QTest::newRow("hour 24") << "09:00-24:00"
+                             << "" << QStringList() << QStringList();
+    QTest::newRow("trailing text") << "09:00-18:00x"
+                                   << "" << QStringList() << QStringList();
+    QTest::newRow("off") << "off"
+                         << "" << QStringList() << QStringList();
+}
+
+void TestZoneStore::workingHours()
+{
+    QFETCH(QString, stored);
+    QFETCH(QString, read);
+    QFETCH(QStringList, inside);
+    QFETCH(QStringList, outside);
+    const std::optional<WorkingHours> parsed = WorkingHours::fromString(stored);
+    QCOMPARE(parsed ? parsed->toString() : QString(), read);
+
+    // A value that cannot be read turns the range off and leaves the rest as saved.
+    Fixture f;
+    f.preferences.writeText(ZoneStore::formatKey, QStringLiteral("labelTime12"));
+    f.preferences.writeText(ZoneStore::workingHoursKey, stored);
+    const ZoneStore store(f.preferences, testLookup());
+    QCOMPARE(store.workingHours(), parsed);
+    QCOMPARE(store.zones(), f.initial);
+    QCOMPARE(store.format(), MenuBarFormat::labelTime12);
+    QCOMPARE(f.preferences.readText(ZoneStore::workingHoursKey), std::optional(stored));
+
+    for (const QString &time : inside)
+        QVERIFY2(parsed->contains(QTime::fromString(time, Qt::ISODate)), qPrintable(time));
+    for (const QString &time : outside)
+        QVERIFY2(!parsed->contains(QTime::fromString(time, Qt::ISODate)), qPrintable(time));
+}
+
+void TestZoneStore::workingHoursAreSavedOnlyWhenChanged()
+{
+    Fixture f;
+    QSignalSpy spy(f.store.get(), &ZoneStore::workingHoursChanged);
+    QVERIFY(!f.store->workingHours());
+    const WorkingHours night{QTime(22, 0), QTime(6, 0)};
+    f.store->setWorkingHours(night);
+    f.store->setWorkingHours(night);
+    QCOMPARE(spy.size(), 1);
+    QCOMPARE(f.preferences.writeCount(ZoneStore::workingHoursKey), 1);
+    QCOMPARE(ZoneStore(f.preferences, testLookup()).workingHours(), std::optional(night));
+
+    f.store->setWorkingHours(std::nullopt);
+    QCOMPARE(spy.size(), 2);
+    QVERIFY(!f.store->workingHours());
+    QVERIFY(!ZoneStore(f.preferences, testLookup()).workingHours());
+    QCOMPARE(f.store->zones(), f.initial);
 }
 
 void TestZoneStore::add_data()
@@ -593,13 +663,17 @@ void TestZoneStore::takesInOutsideChanges()
     Fixture f;
     QSignalSpy zones(f.store.get(), &ZoneStore::zonesChanged);
     QSignalSpy formats(f.store.get(), &ZoneStore::formatChanged);
+    QSignalSpy hours(f.store.get(), &ZoneStore::workingHoursChanged);
     const QList<SavedZone> outside = f.pick({3, 2});
     f.preferences.writeFromOutside(ZoneStore::zonesKey, encoded(outside));
     f.preferences.writeFromOutside(ZoneStore::formatKey, QStringLiteral("labelTime12"));
+    f.preferences.writeFromOutside(ZoneStore::workingHoursKey, QStringLiteral("08:00-16:30"));
     QCOMPARE(f.store->zones(), outside);
     QCOMPARE(f.store->format(), MenuBarFormat::labelTime12);
+    QCOMPARE(f.store->workingHours(), WorkingHours::fromString(u"08:00-16:30"));
     QCOMPARE(zones.size(), 1);
     QCOMPARE(formats.size(), 1);
+    QCOMPARE(hours.size(), 1);
     // Damage from outside is not taken in: the list stays as it was.
     f.preferences.writeFromOutside(ZoneStore::zonesKey, QByteArray("garbage"));
     QCOMPARE(f.store->zones(), outside);

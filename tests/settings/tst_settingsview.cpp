@@ -19,6 +19,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeEdit>
 
 namespace {
 
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void quitZonara();
     void launchAtLogin();
     void loginEntryEditedElsewhere();
+    void workingHours();
 
 private:
     // An updater with a feed and a key (so it starts), optionally installed
@@ -354,6 +356,42 @@ void TestSettingsView::loginEntryEditedElsewhere()
     leaveAndComeBack();
     QVERIFY(!toggle->isChecked());
     QCOMPARE(m_view->generalTab().loginStatus(), LoginItemStatus::notRegistered);
+}
+
+void TestSettingsView::workingHours()
+{
+    makeView();
+    ZoneStore &store = *m_fixture->store;
+    auto *toggle = find<ToggleSwitch>("working-hours");
+    auto *from = find<QTimeEdit>("working-hours-from");
+    auto *to = find<QTimeEdit>("working-hours-to");
+    QVERIFY(!toggle->isChecked());
+    QVERIFY(!from->isEnabled());
+
+    QTest::mouseClick(toggle, Qt::LeftButton);
+    QCOMPARE(store.workingHours(), WorkingHours::fromString(u"09:00-18:00"));
+    QVERIFY(from->isEnabled());
+    QVERIFY(to->isEnabled());
+
+    // By keyboard: from the switch to the first field, one hour later.
+    toggle->setFocus();
+    QTest::keyClick(toggle, Qt::Key_Tab);
+    QCOMPARE(QApplication::focusWidget(), from);
+    QTest::keyClick(from, Qt::Key_Up);
+    QCOMPARE(store.workingHours(), WorkingHours::fromString(u"10:00-18:00"));
+
+    // Saved by another process.
+    m_fixture->preferences.writeFromOutside(ZoneStore::workingHoursKey,
+                                            QStringLiteral("22:00-06:30"));
+    QCOMPARE(from->time(), QTime(22, 0));
+    QCOMPARE(to->time(), QTime(6, 30));
+    m_fixture->preferences.writeFromOutside(ZoneStore::workingHoursKey, QStringLiteral("off"));
+    QVERIFY(!toggle->isChecked());
+    QVERIFY(!to->isEnabled());
+
+    // On again: the range it showed last.
+    QTest::mouseClick(toggle, Qt::LeftButton);
+    QCOMPARE(store.workingHours(), WorkingHours::fromString(u"22:00-06:30"));
 }
 
 QTEST_MAIN(TestSettingsView)

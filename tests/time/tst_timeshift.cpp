@@ -1,3 +1,4 @@
+#include "AtQuery.h"
 #include "TimeShift.h"
 
 #include <QTest>
@@ -12,6 +13,8 @@ QDateTime utc(const char *iso)
 
 } // namespace
 
+Q_DECLARE_METATYPE(TimeShift::WallTime)
+
 class TestTimeShift final : public QObject
 {
     Q_OBJECT
@@ -23,6 +26,8 @@ private Q_SLOTS:
     void instantAt();
     void stepped_data();
     void stepped();
+    void atQuery_data();
+    void atQuery();
     void distanceText_data();
     void distanceText();
     void stripText();
@@ -62,25 +67,30 @@ void TestTimeShift::instantAt_data()
     QTest::addColumn<QDate>("date");
     QTest::addColumn<QString>("time");
     QTest::addColumn<QDateTime>("expected");
-    QTest::newRow("no change near")
-        << QByteArray("Asia/Tokyo") << QDate(2026, 3, 10) << "15:00" << utc("2026-03-10T06:00:00Z");
+    QTest::addColumn<TimeShift::WallTime>("wall");
+    using enum TimeShift::WallTime;
+    QTest::newRow("no change near") << QByteArray("Asia/Tokyo") << QDate(2026, 3, 10) << "15:00"
+                                    << utc("2026-03-10T06:00:00Z") << once;
     // New York has moved its clocks, London not yet: five hours apart become four.
     QTest::newRow("between the US and EU changes")
         << QByteArray("America/New_York") << QDate(2026, 3, 10) << "09:00"
-        << utc("2026-03-10T13:00:00Z");
+        << utc("2026-03-10T13:00:00Z") << once;
     QTest::newRow("skipped: the end of the gap")
         << QByteArray("America/New_York") << QDate(2026, 3, 8) << "02:30"
-        << utc("2026-03-08T07:00:00Z");
+        << utc("2026-03-08T07:00:00Z") << skipped;
     QTest::newRow("skipped, half an hour of summer time")
         << QByteArray("Australia/Lord_Howe") << QDate(2026, 10, 4) << "02:10"
-        << utc("2026-10-03T15:30:00Z");
+        << utc("2026-10-03T15:30:00Z") << skipped;
     QTest::newRow("shown twice: the earlier")
         << QByteArray("America/New_York") << QDate(2026, 11, 1) << "01:30"
-        << utc("2026-11-01T05:30:00Z");
+        << utc("2026-11-01T05:30:00Z") << repeated;
+    QTest::newRow("before the repeat, on its day")
+        << QByteArray("America/New_York") << QDate(2026, 11, 1) << "00:30"
+        << utc("2026-11-01T04:30:00Z") << once;
     QTest::newRow("shown twice in London") << QByteArray("Europe/London") << QDate(2026, 10, 25)
-                                           << "01:15" << utc("2026-10-25T00:15:00Z");
+                                           << "01:15" << utc("2026-10-25T00:15:00Z") << repeated;
     QTest::newRow("just after the repeat") << QByteArray("Europe/London") << QDate(2026, 10, 25)
-                                           << "02:00" << utc("2026-10-25T02:00:00Z");
+                                           << "02:00" << utc("2026-10-25T02:00:00Z") << once;
 }
 
 void TestTimeShift::instantAt()
@@ -89,10 +99,13 @@ void TestTimeShift::instantAt()
     QFETCH(QDate, date);
     QFETCH(QString, time);
     QFETCH(QDateTime, expected);
+    QFETCH(TimeShift::WallTime, wall);
     const QTimeZone timeZone(zone);
     const QDateTime instant =
         TimeShift::instantAt(date, QTime::fromString(time, QStringLiteral("HH:mm")), timeZone);
     QCOMPARE(instant, expected);
+    QCOMPARE(TimeShift::wallTime(date, QTime::fromString(time, QStringLiteral("HH:mm")), timeZone),
+             wall);
     // A typed time on the day a clock shows lands on that day in that zone.
     const QDateTime typed =
         TimeShift::instantForTypedTime(QDateTime(date, QTime(23, 59), timeZone),
@@ -123,6 +136,36 @@ void TestTimeShift::stepped()
     QFETCH(int, minutes);
     QFETCH(QDateTime, expected);
     QCOMPARE(TimeShift::stepped(from, minutes), expected);
+void TestTimeShift::atQuery_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("time"); // empty: not a query
+    QTest::addColumn<QString>("city");
+    QTest::newRow("time first") << QStringList{"15:00 Tokyo"} << "15:00"
+                                << "Tokyo";
+    QTest::newRow("city first, extra spaces") << QStringList{"  Tokyo   15:00 "} << "15:00"
+                                              << "Tokyo";
+    QTest::newRow("twelve-hour, city of two words") << QStringList{"3pm new york"} << "15:00"
+                                                    << "new york";
+    QTest::newRow("separate arguments, time of two words")
+        << QStringList{"new", "york", "3", "pm"} << "15:00"
+        << "new york";
+    QTest::newRow("no city") << QStringList{"9:30a"} << "09:30"
+                             << "";
+    QTest::newRow("no time") << QStringList{"Tokyo"} << ""
+                             << "";
+    QTest::newRow("time in the middle") << QStringList{"New 15:00 York"} << ""
+                                        << "";
+}
+
+void TestTimeShift::atQuery()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, time);
+    QFETCH(QString, city);
+    const std::optional<AtQuery> query = AtQuery::parse(arguments);
+    QCOMPARE(query ? query->time.toString(u"HH:mm") : QString(), time);
+    QCOMPARE(query ? query->city : QString(), city);
 }
 
 void TestTimeShift::distanceText_data()

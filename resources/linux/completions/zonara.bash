@@ -50,7 +50,7 @@ _zonara()
         mapfile -t COMPREPLY < <(_zonara_saved_cities "$program" "$cur")
         return
         ;;
-    --at | --nickname)
+    --at | --nickname | --date)
         return
         ;;
     esac
@@ -59,7 +59,7 @@ _zonara()
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W "--settings --panel --help --version" -- "$cur"))
         else
-            COMPREPLY=($(compgen -W "line watch list add rename pin unpin remove move search format" -- "$cur"))
+            COMPREPLY=($(compgen -W "line watch list at add rename pin unpin remove move search format hours" -- "$cur"))
         fi
         return
     fi
@@ -68,7 +68,9 @@ _zonara()
     case $command in
     line) options="--format --at --genmon" ;;
     watch) options="--format --json" ;;
-    list | search) options="--json" ;;
+    list) options="--json --at --date" ;;
+    at) options="--json --date" ;;
+    search) options="--json" ;;
     add) options="--nickname --pin" ;;
     move) options="--before --to-end" ;;
     esac
@@ -79,12 +81,13 @@ _zonara()
 
     # Only the first argument after the command is completed.
     for ((i = i + 1; i < cword; i++)); do
-        [[ ${words[i]} == -* || ${words[i - 1]} == --@(format|at|nickname|before) ]] || return
+        [[ ${words[i]} == -* || ${words[i - 1]} == --@(format|at|nickname|before|date) ]] || return
     done
     case $command in
     add) mapfile -t COMPREPLY < <(_zonara_time_zones "$program" "$cur") ;;
     rename | pin | unpin | remove | move) mapfile -t COMPREPLY < <(_zonara_saved_cities "$program" "$cur") ;;
     format) COMPREPLY=($(compgen -W "$_zonara_formats" -- "$cur")) ;;
+    hours) COMPREPLY=($(compgen -W "09:00-18:00 off" -- "$cur")) ;;
     esac
 } &&
     complete -F _zonara zonara
