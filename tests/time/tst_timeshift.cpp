@@ -136,6 +136,8 @@ void TestTimeShift::stepped()
     QFETCH(int, minutes);
     QFETCH(QDateTime, expected);
     QCOMPARE(TimeShift::stepped(from, minutes), expected);
+}
+
 void TestTimeShift::atQuery_data()
 {
     QTest::addColumn<QStringList>("arguments");
