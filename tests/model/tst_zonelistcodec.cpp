@@ -170,8 +170,6 @@ void TestZoneListCodec::acceptsValidVariants_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("secondId");
-    QTest::newRow("lower-case uuid")
-        << listWithId("7c9e6679-7425-40de-944b-e07fc1f90ae7") << tokyoId;
     QTest::newRow("mixed-case uuid")
         << listWithId("7c9E6679-7425-40De-944b-E07fc1f90ae7") << tokyoId;
     QTest::newRow("unknown key ignored") << listWith([](plist_t dict) {
@@ -238,8 +236,6 @@ void TestZoneListCodec::rejectsInvalidData_data()
     QTest::newRow("customLabel as array") << retyped("customLabel", plist_new_array());
 
     QTest::newRow("uuid in braces") << listWithId("{7C9E6679-7425-40DE-944B-E07FC1F90AE7}");
-    QTest::newRow("uuid without dashes") << listWithId("7C9E6679742540DE944BE07FC1F90AE7");
-    QTest::newRow("uuid as urn") << listWithId("urn:uuid:7C9E6679-7425-40DE-944B-E07FC1F90AE7");
     QTest::newRow("uuid too short") << listWithId("7C9E6679-7425-40DE-944B-E07FC1F90AE");
     QTest::newRow("uuid too long") << listWithId("7C9E6679-7425-40DE-944B-E07FC1F90AE77");
     QTest::newRow("uuid not hex") << listWithId("7C9E6679-7425-40DE-944B-E07FC1F90AEG");
