@@ -4,6 +4,7 @@
 #include "WorldMark.h"
 
 #include <QAccessible>
+#include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -129,8 +130,11 @@ void TestAppStyle::eyebrowUpperCases()
 {
     QFETCH(QString, title);
     QFETCH(QString, shown);
+    // Under Turkish rules a dotted i would upper-case to a dotted capital.
+    QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
     Eyebrow eyebrow(QStringLiteral("Before"));
     eyebrow.setTitle(title);
+    QLocale::setDefault(QLocale::c());
     QCOMPARE(eyebrow.text(), shown);
     QCOMPARE(eyebrow.title(), title);
 }
