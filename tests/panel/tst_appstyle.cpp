@@ -60,8 +60,6 @@ void TestAppStyle::accent_data()
     // 8-bit values of the design's sRGB fractions (0.62, 0.30, 0.16) and (0.94, 0.65, 0.48).
     QTest::newRow("light") << light << false << qRgb(158, 77, 41);
     QTest::newRow("dark") << dark << true << qRgb(240, 166, 122);
-    QTest::newRow("black window") << paletteWith(Qt::black, Qt::white) << true
-                                  << qRgb(240, 166, 122);
 }
 
 void TestAppStyle::accent()
