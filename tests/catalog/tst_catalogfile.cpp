@@ -40,8 +40,6 @@ private Q_SLOTS:
     void decode_data();
     void decode();
     void loadSample();
-    void loadUnreadable_data();
-    void loadUnreadable();
     void fileNameFromEnvironment();
     void fileNameBesideExecutable();
 };
@@ -51,33 +49,20 @@ void TestCatalogFile::decode_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<CityList>("expected");
 
-    // The reader's own tests cover JSON syntax; these cover what decode() makes of it.
-    const CityEntry oslo{"Oslo", "Europe/Oslo", "Norway"};
-    const CityEntry bergen{"Bergen", "Europe/Oslo", "Norway"};
+    // The reader's own tests cover JSON syntax and what a city keeps; these
+    // cover what decode() makes of an accepted and of a refused text.
     const QByteArray osloJson = R"({"name":"Oslo","identifier":"Europe/Oslo","country":"Norway"})";
     const QByteArray bergenJson =
         R"({"name":"Bergen","identifier":"Europe/Oslo","country":"Norway"})";
 
     QTest::newRow("file order, not sorted")
-        << joined("[", osloJson, ",", bergenJson, "]") << CityList{oslo, bergen};
-    QTest::newRow("extra members dropped")
-        << QByteArray(R"([{"name":"Oslo","population":709037,"identifier":"Europe/Oslo",)"
-                      R"("country":"Norway","aliases":["Christiania"]}])")
-        << CityList{oslo};
-    QTest::newRow("empty array") << QByteArray(" \n[\n]\n ") << CityList{};
-
+        << joined("[", osloJson, ",", bergenJson, "]")
+        << CityList{{"Oslo", "Europe/Oslo", "Norway"}, {"Bergen", "Europe/Oslo", "Norway"}};
     // One bad element empties the whole catalogue.
     QTest::newRow("missing member among good ones")
         << joined("[", osloJson, R"(,{"name":"Bergen","identifier":"Europe/Oslo"},)", bergenJson,
                   "]")
         << CityList{};
-    QTest::newRow("non-string member")
-        << joined("[", osloJson, R"(,{"name":42,"identifier":"Europe/Oslo","country":"Norway"}])")
-        << CityList{};
-    QTest::newRow("element is a string") << joined("[", osloJson, R"(,"Bergen"])") << CityList{};
-    QTest::newRow("not an array") << joined("{\"cities\":[", osloJson, "]}") << CityList{};
-    QTest::newRow("not json") << QByteArray("name,identifier,country\nOslo,Europe/Oslo,Norway")
-                              << CityList{};
 }
 
 void TestCatalogFile::decode()
@@ -97,19 +82,8 @@ void TestCatalogFile::loadSample()
     // Decomposed text in the file stays decomposed.
     QCOMPARE(cities.at(2).name, QStringView(u"Malmo\u0308").toString());
     QCOMPARE(cities.last(), (CityEntry{"Kathmandu", "Asia/Kathmandu", "Nepal"}));
-}
-
-void TestCatalogFile::loadUnreadable_data()
-{
-    QTest::addColumn<QString>("fileName");
-    QTest::newRow("missing file") << QStringLiteral(ZONARA_TEST_DATA_DIR "/catalog/absent.json");
-    QTest::newRow("directory") << QStringLiteral(ZONARA_TEST_DATA_DIR "/catalog");
-}
-
-void TestCatalogFile::loadUnreadable()
-{
-    QFETCH(QString, fileName);
-    QVERIFY(CityCatalog::load(fileName).isEmpty());
+    // What cannot be read as a file loads as no cities.
+    QVERIFY(CityCatalog::load(QStringLiteral(ZONARA_TEST_DATA_DIR "/catalog")).isEmpty());
 }
 
 void TestCatalogFile::fileNameFromEnvironment()

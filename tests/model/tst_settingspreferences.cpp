@@ -10,11 +10,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace {
+
+const QString formatKey = QStringLiteral("zonara.format");
+const QString zonesKey = QStringLiteral("zonara.zones");
+
+} // namespace
+
 class TestSettingsPreferences final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init();
     void defaultFileFollowsXdgConfigHome();
     void valuesSurvive_data();
     void valuesSurvive();
@@ -29,20 +37,27 @@ private Q_SLOTS:
     void oversizedWriteIsRefused();
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<QTemporaryDir> m_dir; // fresh for each test
+    QString m_file;                       // the settings file in it
 };
+
+void TestSettingsPreferences::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+    m_file = m_dir->filePath(QStringLiteral("zonara.conf"));
+}
 
 void TestSettingsPreferences::defaultFileFollowsXdgConfigHome()
 {
-    QVERIFY(m_dir.isValid());
-    qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", m_dir->path().toLocal8Bit());
     {
         SettingsPreferencesStore preferences;
-        QCOMPARE(preferences.fileName(), m_dir.filePath(QStringLiteral("zonara/zonara.conf")));
+        QCOMPARE(preferences.fileName(), m_dir->filePath(QStringLiteral("zonara/zonara.conf")));
         preferences.writeBool(QStringLiteral("zonara.seeded"), true);
     }
     // Written at once, not on destruction only.
-    QVERIFY(QFile::exists(m_dir.filePath(QStringLiteral("zonara/zonara.conf"))));
+    QVERIFY(QFile::exists(m_dir->filePath(QStringLiteral("zonara/zonara.conf"))));
 }
 
 void TestSettingsPreferences::valuesSurvive_data()
@@ -64,24 +79,21 @@ void TestSettingsPreferences::valuesSurvive()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, text);
-    const QString file = m_dir.filePath(QStringLiteral("values.conf"));
-    QFile::remove(file);
     {
-        SettingsPreferencesStore preferences(file);
-        preferences.writeBytes(QStringLiteral("zonara.zones"), bytes);
-        preferences.writeText(QStringLiteral("zonara.format"), text);
+        SettingsPreferencesStore preferences(m_file);
+        preferences.writeBytes(zonesKey, bytes);
+        preferences.writeText(formatKey, text);
         preferences.writeBool(QStringLiteral("zonara.seeded"), true);
     }
-    const SettingsPreferencesStore reread(file);
-    QCOMPARE(reread.readBytes(QStringLiteral("zonara.zones")), std::optional(bytes));
-    QCOMPARE(reread.readText(QStringLiteral("zonara.format")), std::optional(text));
+    const SettingsPreferencesStore reread(m_file);
+    QCOMPARE(reread.readBytes(zonesKey), std::optional(bytes));
+    QCOMPARE(reread.readText(formatKey), std::optional(text));
     QVERIFY(reread.readBool(QStringLiteral("zonara.seeded")));
 }
 
 void TestSettingsPreferences::kindsDoNotMix()
 {
-    const QString file = m_dir.filePath(QStringLiteral("kinds.conf"));
-    SettingsPreferencesStore preferences(file);
+    SettingsPreferencesStore preferences(m_file);
     preferences.writeBytes(QStringLiteral("bytes"), QByteArray("abc"));
     preferences.writeText(QStringLiteral("text"), QStringLiteral("abc"));
     QCOMPARE(preferences.readText(QStringLiteral("bytes")), std::nullopt);
@@ -96,15 +108,12 @@ void TestSettingsPreferences::kindsDoNotMix()
 
 void TestSettingsPreferences::seesOtherWriters()
 {
-    const QString file = m_dir.filePath(QStringLiteral("shared.conf"));
-    SettingsPreferencesStore first(file);
-    SettingsPreferencesStore second(file);
-    first.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
-    QCOMPARE(second.readText(QStringLiteral("zonara.format")),
-             std::optional(QStringLiteral("labelTime12")));
-    second.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
-    QCOMPARE(first.readText(QStringLiteral("zonara.format")),
-             std::optional(QStringLiteral("timeOnly24")));
+    SettingsPreferencesStore first(m_file);
+    SettingsPreferencesStore second(m_file);
+    first.writeText(formatKey, QStringLiteral("labelTime12"));
+    QCOMPARE(second.readText(formatKey), std::optional(QStringLiteral("labelTime12")));
+    second.writeText(formatKey, QStringLiteral("timeOnly24"));
+    QCOMPARE(first.readText(formatKey), std::optional(QStringLiteral("timeOnly24")));
 }
 
 void TestSettingsPreferences::damagedFileIsKeptAside_data()
@@ -125,24 +134,21 @@ void TestSettingsPreferences::damagedFileIsKeptAside_data()
 void TestSettingsPreferences::damagedFileIsKeptAside()
 {
     QFETCH(QByteArray, damaged);
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
     for (int copy = 0; copy < 4; ++copy) {
-        QFile out(file);
+        QFile out(m_file);
         QVERIFY(out.open(QIODevice::WriteOnly));
         out.write(damaged);
         out.close();
-        SettingsPreferencesStore preferences(file);
-        QCOMPARE(preferences.readText(QStringLiteral("zonara.format")), std::nullopt);
-        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
-        QCOMPARE(preferences.readText(QStringLiteral("zonara.format")),
-                 std::optional(QStringLiteral("timeOnly24")));
+        SettingsPreferencesStore preferences(m_file);
+        QCOMPARE(preferences.readText(formatKey), std::nullopt);
+        preferences.writeText(formatKey, QStringLiteral("timeOnly24"));
+        QCOMPARE(preferences.readText(formatKey), std::optional(QStringLiteral("timeOnly24")));
         QFile kept(preferences.keptCopy());
         QVERIFY(kept.open(QIODevice::ReadOnly));
         QCOMPARE(kept.readAll(), damaged);
         QTest::qWait(20); // the oldest is told by its time
     }
-    QCOMPARE(QDir(dir.path()).entryList({QStringLiteral("zonara.conf.unreadable-*")}).size(), 3);
+    QCOMPARE(QDir(m_dir->path()).entryList({QStringLiteral("zonara.conf.unreadable-*")}).size(), 3);
 }
 
 void TestSettingsPreferences::onlyRegularFilesAreReplaced_data()
@@ -159,14 +165,12 @@ void TestSettingsPreferences::onlyRegularFilesAreReplaced_data()
 void TestSettingsPreferences::onlyRegularFilesAreReplaced()
 {
     QFETCH(QString, kind);
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
-    const QString other = dir.filePath(QStringLiteral("other"));
+    const QString other = m_dir->filePath(QStringLiteral("other"));
     const QByteArray otherBytes("[General]\nsecret=1\n");
     if (kind == u"fifo") {
-        QCOMPARE(::mkfifo(QFile::encodeName(file).constData(), 0600), 0);
+        QCOMPARE(::mkfifo(QFile::encodeName(m_file).constData(), 0600), 0);
     } else if (kind == u"directory") {
-        QVERIFY(QDir().mkpath(file));
+        QVERIFY(QDir().mkpath(m_file));
     } else {
         if (kind == u"link to fifo") {
             QCOMPARE(::mkfifo(QFile::encodeName(other).constData(), 0600), 0);
@@ -179,22 +183,21 @@ void TestSettingsPreferences::onlyRegularFilesAreReplaced()
                 QSKIP("needs root to give the file to another user");
             QCOMPARE(::chown(QFile::encodeName(other).constData(), 65534, 65534), 0);
         }
-        QVERIFY(QFile::link(other, file));
+        QVERIFY(QFile::link(other, m_file));
     }
-    const QFileInfo before(file);
+    const QFileInfo before(m_file);
 
     // Neither reading nor writing may block on a FIFO nobody writes to.
     QElapsedTimer elapsed;
     elapsed.start();
-    SettingsPreferencesStore preferences(file);
-    QCOMPARE(preferences.readText(QStringLiteral("zonara.format")), std::nullopt);
-    QVERIFY(!preferences.edit([&] {
-        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
-    }));
+    SettingsPreferencesStore preferences(m_file);
+    QCOMPARE(preferences.readText(formatKey), std::nullopt);
+    QVERIFY(
+        !preferences.edit([&] { preferences.writeText(formatKey, QStringLiteral("timeOnly24")); }));
     QVERIFY(elapsed.elapsed() < 5000);
-    QVERIFY(preferences.saveError().contains(file));
+    QVERIFY(preferences.saveError().contains(m_file));
 
-    const QFileInfo after(file);
+    const QFileInfo after(m_file);
     QCOMPARE(after.isSymLink(), before.isSymLink());
     QCOMPARE(after.isDir(), before.isDir());
     QCOMPARE(after.isFile(), before.isFile());
@@ -207,60 +210,51 @@ void TestSettingsPreferences::onlyRegularFilesAreReplaced()
 
 void TestSettingsPreferences::linkToOwnFileIsWrittenThrough()
 {
-    QTemporaryDir dir;
-    const QString target = dir.filePath(QStringLiteral("dotfiles/zonara.conf"));
-    const QString link = dir.filePath(QStringLiteral("zonara.conf"));
+    const QString target = m_dir->filePath(QStringLiteral("dotfiles/zonara.conf"));
     QVERIFY(QDir().mkpath(QFileInfo(target).path()));
     {
         SettingsPreferencesStore direct(target);
-        direct.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+        direct.writeText(formatKey, QStringLiteral("labelTime12"));
     }
-    QVERIFY(QFile::link(target, link));
+    QVERIFY(QFile::link(target, m_file));
 
-    SettingsPreferencesStore preferences(link);
-    QCOMPARE(preferences.readText(QStringLiteral("zonara.format")),
-             std::optional(QStringLiteral("labelTime12")));
-    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    SettingsPreferencesStore preferences(m_file);
+    QCOMPARE(preferences.readText(formatKey), std::optional(QStringLiteral("labelTime12")));
+    preferences.writeText(formatKey, QStringLiteral("timeOnly24"));
     QVERIFY(preferences.saveError().isEmpty());
-    QVERIFY(QFileInfo(link).isSymLink());
-    QCOMPARE(SettingsPreferencesStore(target).readText(QStringLiteral("zonara.format")),
+    QVERIFY(QFileInfo(m_file).isSymLink());
+    QCOMPARE(SettingsPreferencesStore(target).readText(formatKey),
              std::optional(QStringLiteral("timeOnly24")));
 }
 
 void TestSettingsPreferences::unchangedValuesLeaveTheFile()
 {
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
-    SettingsPreferencesStore preferences(file);
-    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    SettingsPreferencesStore preferences(m_file);
+    preferences.writeText(formatKey, QStringLiteral("labelTime12"));
     const auto inode = [&] {
         struct stat status = {};
-        return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? status.st_ino : 0;
+        return ::stat(QFile::encodeName(m_file).constData(), &status) == 0 ? status.st_ino : 0;
     };
     const auto written = inode();
     QVERIFY(written != 0);
     // The same value again: a replaced file would have a new inode.
-    QVERIFY(preferences.edit([&] {
-        preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
-    }));
+    QVERIFY(
+        preferences.edit([&] { preferences.writeText(formatKey, QStringLiteral("labelTime12")); }));
     QCOMPARE(inode(), written);
-    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("timeOnly24"));
+    preferences.writeText(formatKey, QStringLiteral("timeOnly24"));
     QVERIFY(inode() != written);
 }
 
 void TestSettingsPreferences::oversizedWriteIsRefused()
 {
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("zonara.conf"));
-    SettingsPreferencesStore preferences(file);
-    preferences.writeText(QStringLiteral("zonara.format"), QStringLiteral("labelTime12"));
+    SettingsPreferencesStore preferences(m_file);
+    preferences.writeText(formatKey, QStringLiteral("labelTime12"));
     QVERIFY(!preferences.edit([&] {
-        preferences.writeBytes(QStringLiteral("zonara.zones"),
+        preferences.writeBytes(zonesKey,
                                QByteArray(SettingsPreferencesStore::maximumFileSize, 'z'));
     }));
     QVERIFY(preferences.saveError().contains(QStringLiteral("KiB")));
-    QCOMPARE(SettingsPreferencesStore(file).readBytes(QStringLiteral("zonara.zones")),
-             std::nullopt);
+    QCOMPARE(SettingsPreferencesStore(m_file).readBytes(zonesKey), std::nullopt);
 }
 
 QTEST_GUILESS_MAIN(TestSettingsPreferences)
