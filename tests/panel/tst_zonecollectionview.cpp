@@ -210,6 +210,7 @@ private Q_SLOTS:
     void changeNotice_data();
     void changeNotice();
     void mistypedTimeStaysOpen();
+    void nightCitiesAreFaint();
     void hoverLeavingOntoANeighbourKeepsItLit();
     void clockTickKeepsTheCards();
     void unknownIdentifierShowsDashes();
@@ -664,6 +665,31 @@ void TestZoneCollectionView::mistypedTimeStaysOpen()
     QTRY_VERIFY_WITH_TIMEOUT(!w.field(), timeout);
     QVERIFY(w.stack()->hasFocus());
     QCOMPARE(w.in<TextLine>("Tokyo", "zone-time")->text(), QStringLiteral("09:30"));
+}
+
+void TestZoneCollectionView::nightCitiesAreFaint()
+{
+    ListWindow w;
+    w.view->setCanShiftTime(true);
+    const auto faint = [&w](const char *name) {
+        return w.in<TextLine>(name, "zone-time")->isDimmed();
+    };
+    QVERIFY(!faint("London"));
+    // 09:30 in Tokyo, 00:30 in London.
+    w.panel.store->setWorkingHours(WorkingHours{QTime(9, 0), QTime(18, 0)});
+    QVERIFY(!faint("Tokyo"));
+    QVERIFY(faint("London"));
+    QVERIFY(QAccessible::queryAccessibleInterface(w.card("London"))
+                ->text(QAccessible::Description)
+                .contains("outside working hours"));
+    // Nine hours on: 18:30 in Tokyo, whose working day has just ended, 09:30 in London.
+    w.clickSubtitle("London");
+    for (int i = 0; i < 9; ++i)
+        QTest::keyClick(w.stack(), Qt::Key_Right, Qt::ShiftModifier);
+    QVERIFY(faint("Tokyo"));
+    QVERIFY(!faint("London"));
+    w.panel.store->setWorkingHours(std::nullopt);
+    QVERIFY(!faint("Tokyo"));
 }
 
 void TestZoneCollectionView::hoverLeavingOntoANeighbourKeepsItLit()
