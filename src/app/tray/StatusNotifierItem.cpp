@@ -108,27 +108,26 @@ void StatusNotifierItem::setHosted(bool hosted)
 void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName,
                                  const QString &guide)
 {
-    // Each announcement makes hosts read the item again, so only what
-    // changed is announced.
+    // Each announcement makes hosts read the item again, most of them all of
+    // it, so only what changed is announced and a minute's tick changes two
+    // properties: the label, which its signal carries, and the tooltip.
     const QString oldLabel = label();
     const QString oldGuide = labelGuide();
-    const QString oldTitle = title();
     const QString oldToolTip = toolTip().title;
     m_text = text;
     m_accessibleName = accessibleName;
     m_guide = guide;
     if (label() != oldLabel || labelGuide() != oldGuide)
         Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
-    // Some hosts re-read the label only on NewTitle.
-    if (title() != oldTitle)
-        Q_EMIT m_adaptor->NewTitle();
     if (toolTip().title != oldToolTip)
         Q_EMIT m_adaptor->NewToolTip();
 }
 
 QString StatusNotifierItem::title() const
 {
-    return m_text.isEmpty() ? appName : m_text;
+    // The program's name: the line is in the label and the tooltip already,
+    // and a title that ticked would cost hosts a second reading each minute.
+    return appName;
 }
 
 SniToolTip StatusNotifierItem::toolTip() const

@@ -14,7 +14,7 @@ class StatusNotifierItemAdaptor;
 
 // Our tray item as a freedesktop StatusNotifierItem: exports itself on the bus
 // and registers with org.kde.StatusNotifierWatcher whenever one appears. The
-// line of text travels as the Ayatana label, the title and the tooltip.
+// line of text travels as the Ayatana label and the tooltip.
 class StatusNotifierItem final : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ public:
     // Whether a watcher owns its name and has not refused our registration.
     bool isHosted() const { return m_hosted; }
 
-    // An empty text shows the globe alone, titled "Zonara". The guide is the
+    // An empty text shows the globe alone. The guide is the
     // widest the line can grow to; without one, hosts size it for the text.
     void setLine(const QString &text, const QString &accessibleName,
                  const QString &guide = QString());
