@@ -11,6 +11,7 @@
 
 class QDBusServiceWatcher;
 class StatusNotifierItemAdaptor;
+class StatusNotifierItemState;
 
 // Our tray item as a freedesktop StatusNotifierItem: exports itself on the bus
 // and registers with org.kde.StatusNotifierWatcher whenever one appears. The
@@ -45,7 +46,6 @@ public:
     QString label() const { return m_text; }
     QString labelGuide() const { return m_text.isEmpty() || m_guide.isEmpty() ? m_text : m_guide; }
     SniToolTip toolTip() const;
-    const SniIconPixmapList &iconPixmap() const { return m_iconPixmap; }
     QDBusObjectPath menu() const { return m_menuPath; }
 
 Q_SIGNALS:
@@ -57,14 +57,17 @@ Q_SIGNALS:
 
 private:
     void registerWithWatcher();
+    // Hands the current values to the state the bus reads.
+    void publish();
     void setHosted(bool hosted);
 
     QDBusConnection m_bus;
     QDBusObjectPath m_menuPath;
     QString m_serviceName;
+    // Lives on the bus's thread while exported.
+    StatusNotifierItemState *m_state = nullptr;
     StatusNotifierItemAdaptor *m_adaptor = nullptr;
     QDBusServiceWatcher *m_watcher = nullptr;
-    SniIconPixmapList m_iconPixmap;
     QString m_text;
     QString m_accessibleName;
     QString m_guide;

@@ -270,6 +270,9 @@ void TestTrayIcon::iconNameOnlyWhereInstalled()
     const QString themeName = QIcon::themeName();
     QIcon::setThemeSearchPaths({icons.path()});
     QIcon::setThemeName(QStringLiteral("hicolor"));
+    // The theme is looked at when the item starts.
+    m_tray.reset();
+    m_tray = std::make_unique<TrayIcon>(QDBusConnection::sessionBus());
     const QString shown = itemProperty(QStringLiteral("IconName")).toString();
     QIcon::setThemeSearchPaths(searchPaths);
     QIcon::setThemeName(themeName);
