@@ -1,4 +1,5 @@
 #include "Clock.h"
+#include "PreciseClockTimer.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -77,6 +78,7 @@ private Q_SLOTS:
     void realignTakesTheTimeAndRearms_data();
     void realignTakesTheTimeAndRearms();
     void nowAnnouncesOnlyChanges();
+    void preciseTimerFiresOnlyItsLastArming();
 };
 
 void TestClock::firstDelay_data()
@@ -217,6 +219,26 @@ void TestClock::nowAnnouncesOnlyChanges()
     QCOMPARE(spy.count(), 0);
     f.clock->setNow(at(QStringLiteral("12:00:30.251")));
     QCOMPARE(spy.count(), 1);
+}
+
+// The real timer, as the clock drives it: armed again from its own callback,
+// replaced before it fires, and stopped.
+void TestClock::preciseTimerFiresOnlyItsLastArming()
+{
+    using namespace std::chrono_literals;
+    PreciseClockTimer timer;
+    QStringList fired;
+    timer.start(60s, [&] { fired << QStringLiteral("replaced"); });
+    timer.start(5ms, [&] {
+        fired << QStringLiteral("first");
+        timer.start(5ms, [&] { fired << QStringLiteral("again"); });
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(fired, (QStringList{"first", "again"}), 5000);
+
+    timer.start(5ms, [&] { fired << QStringLiteral("stopped"); });
+    timer.stop();
+    timer.start(20ms, [&] { fired << QStringLiteral("last"); });
+    QTRY_COMPARE_WITH_TIMEOUT(fired, (QStringList{"first", "again", "last"}), 5000);
 }
 
 QTEST_GUILESS_MAIN(TestClock)
