@@ -329,7 +329,7 @@ ZoneEditor &CommandLine::editor(bool forEditing)
     m_editor.reset();
     m_store.reset();
     m_snapshot.reset();
-    if (BusZoneEditor::isServing(bus())) {
+    if (!m_fileOnly && BusZoneEditor::isServing(bus())) {
         m_editor = std::make_unique<BusZoneEditor>(bus());
     } else if (forEditing) {
         m_store = std::make_unique<ZoneStore>(m_preferences, TimeZoneDatabase::lookup());
@@ -430,6 +430,9 @@ int CommandLine::line(QCommandLineParser &parser)
     if (!parser.positionalArguments().isEmpty())
         return usageError(QStringLiteral("\"line\" takes no argument \"%1\"")
                               .arg(parser.positionalArguments().constFirst()));
+    // A running Zonara saves every edit before it answers, so its file is
+    // what it shows; a status bar asking every few seconds skips the bus.
+    m_fileOnly = true;
     int status = Success;
     const std::optional<MenuBarFormat> format = chosenFormat(parser, status);
     if (!format)

@@ -81,4 +81,5 @@ private:
     std::unique_ptr<MemoryPreferencesStore> m_snapshot;
     std::unique_ptr<ZoneStore> m_store;
     std::unique_ptr<ZoneEditor> m_editor;
+    bool m_fileOnly = false;
 };

@@ -74,7 +74,10 @@ void Clock::realign()
 
 void Clock::reschedule()
 {
-    m_timer->start(firstDelay(m_now, m_showsSeconds, m_localZone()), [this] { onBoundary(); });
+    // From the time now, not from `now`: everything that followed the change
+    // of `now` took time, and the next tick would land that much late.
+    m_timer->start(firstDelay(m_timeSource(), m_showsSeconds, m_localZone()),
+                   [this] { onBoundary(); });
 }
 
 void Clock::onBoundary()

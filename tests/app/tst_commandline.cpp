@@ -15,7 +15,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
+
+#include <cstring>
 
 namespace {
 
@@ -77,6 +81,7 @@ private:
     QString configFile() const { return m_home->filePath(QStringLiteral("zonara/zonara.conf")); }
 
     std::unique_ptr<QTemporaryDir> m_home;
+    QString m_busAddress; // the session bus the command is given, if set
 };
 
 void TestCommandLine::init()
@@ -102,6 +107,8 @@ Result TestCommandLine::run(const QStringList &arguments, const QString &tz, boo
     environment.insert(QStringLiteral("TZ"), tz);
     // The user's locale must not change any text.
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
+    if (!m_busAddress.isEmpty())
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_busAddress);
     process.setProcessEnvironment(environment);
     if (asOtherUser && ::geteuid() == 0)
         process.start(QStringLiteral("setpriv"),
@@ -266,7 +273,22 @@ void TestCommandLine::readingWritesNothing()
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray before = file.readAll();
     file.close();
+    // Nor does it ask the bus: a status bar runs it every few seconds.
+    const QByteArray socketPath = QFile::encodeName(m_home->filePath(QStringLiteral("bus")));
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, socketPath.constData(), sizeof address.sun_path - 1);
+    QVERIFY(::bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0);
+    QVERIFY(::listen(listener, 4) == 0);
+    m_busAddress = QStringLiteral("unix:path=") + QFile::decodeName(socketPath);
     QCOMPARE(run({QStringLiteral("line")}).exitCode, 0);
+    m_busAddress.clear();
+    const int connection = ::accept(listener, nullptr, nullptr);
+    if (connection >= 0)
+        ::close(connection);
+    ::close(listener);
+    QCOMPARE(connection, -1);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), before);
 }

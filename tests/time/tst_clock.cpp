@@ -1,4 +1,5 @@
 #include "Clock.h"
+#include "PreciseClockTimer.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -75,6 +76,7 @@ private Q_SLOTS:
     void switchingToSecondsRearms();
     void realignTakesTheTimeAndRearms_data();
     void realignTakesTheTimeAndRearms();
+    void preciseTimerFiresOnlyItsLastArming();
 };
 
 void TestClock::firstDelay_data()
@@ -132,27 +134,35 @@ void TestClock::eachTickArmsTheNextBoundary_data()
 {
     QTest::addColumn<bool>("seconds");
     QTest::addColumn<QString>("firedAt");
+    // How long the observers of the new `now` take.
+    QTest::addColumn<int>("workMs");
     QTest::addColumn<int>("expectedMs");
-    QTest::newRow("late by 41 ms") << false << "12:01:00.041" << 59959;
+    QTest::newRow("late by 41 ms") << false << "12:01:00.041" << 0 << 59959;
+    // Measured from after the work, or the next tick lands that much late.
+    QTest::newRow("after 30 ms of work") << false << "12:01:00.041" << 30 << 59929;
     // The timer drifted from wall time: the boundary is still ahead.
-    QTest::newRow("early") << false << "12:00:59.980" << 50;
+    QTest::newRow("early") << false << "12:00:59.980" << 0 << 50;
     // Asleep without notice: minutes late, mid-minute.
-    QTest::newRow("minutes late") << false << "12:07:20.500" << 39500;
-    QTest::newRow("seconds, late by 12 ms") << true << "12:00:42.012" << 988;
+    QTest::newRow("minutes late") << false << "12:07:20.500" << 0 << 39500;
+    QTest::newRow("seconds, late by 12 ms") << true << "12:00:42.012" << 0 << 988;
 }
 
 void TestClock::eachTickArmsTheNextBoundary()
 {
     QFETCH(bool, seconds);
     QFETCH(QString, firedAt);
+    QFETCH(int, workMs);
     QFETCH(int, expectedMs);
     Fixture f(QStringLiteral("12:00:30.250"));
     f.clock->setShowsSeconds(seconds);
     QSignalSpy spy(f.clock.get(), &Clock::nowChanged);
+    QObject::connect(f.clock.get(), &Clock::nowChanged, f.clock.get(),
+                     [&f, workMs] { f.time = f.time.addMSecs(workMs); });
     const qsizetype armings = f.timer->armings.size();
-    f.time = at(firedAt);
+    const QDateTime fired = at(firedAt);
+    f.time = fired;
     f.timer->fire();
-    QCOMPARE(f.clock->now(), f.time);
+    QCOMPARE(f.clock->now(), fired);
     QCOMPARE(spy.count(), 1);
     QCOMPARE(f.timer->armings.size(), armings + 1);
     QCOMPARE(f.last().delay, std::chrono::milliseconds(expectedMs));
@@ -197,6 +207,26 @@ void TestClock::realignTakesTheTimeAndRearms()
     f.clock->realign();
     QCOMPARE(f.clock->now(), f.time);
     QCOMPARE(f.last().delay, std::chrono::milliseconds(expectedMs));
+}
+
+// The real timer, as the clock drives it: armed again from its own callback,
+// replaced before it fires, and stopped.
+void TestClock::preciseTimerFiresOnlyItsLastArming()
+{
+    using namespace std::chrono_literals;
+    PreciseClockTimer timer;
+    QStringList fired;
+    timer.start(60s, [&] { fired << QStringLiteral("replaced"); });
+    timer.start(5ms, [&] {
+        fired << QStringLiteral("first");
+        timer.start(5ms, [&] { fired << QStringLiteral("again"); });
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(fired, (QStringList{"first", "again"}), 5000);
+
+    timer.start(5ms, [&] { fired << QStringLiteral("stopped"); });
+    timer.stop();
+    timer.start(20ms, [&] { fired << QStringLiteral("last"); });
+    QTRY_COMPARE_WITH_TIMEOUT(fired, (QStringList{"first", "again", "last"}), 5000);
 }
 
 QTEST_GUILESS_MAIN(TestClock)

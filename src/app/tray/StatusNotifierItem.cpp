@@ -2,6 +2,7 @@
 
 #include "GlobeIcon.h"
 #include "StatusNotifierItemAdaptor.h"
+#include "StatusNotifierItemState.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
@@ -10,6 +11,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QIcon>
 
 const QString StatusNotifierItem::watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString StatusNotifierItem::objectPath = QStringLiteral("/StatusNotifierItem");
@@ -40,17 +42,29 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection &bus, const QDBusOb
     , m_menuPath(menuPath)
     , m_serviceName(
           QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid()))
-    , m_iconPixmap(globePixmaps())
 {
     qDBusRegisterMetaType<SniIconPixmap>();
     qDBusRegisterMetaType<SniIconPixmapList>();
     qDBusRegisterMetaType<SniToolTip>();
-    m_adaptor = new StatusNotifierItemAdaptor(this);
+    // Hosts prefer a name to the pixmaps even when their theme lacks it.
+    m_state = new StatusNotifierItemState(QIcon::hasThemeIcon(iconName) ? iconName : QString(),
+                                          globePixmaps(), m_menuPath);
+    m_adaptor = new StatusNotifierItemAdaptor(m_state);
+    publish();
+    connect(m_state, &StatusNotifierItemState::activateRequested, this,
+            &StatusNotifierItem::activateRequested);
+    connect(m_state, &StatusNotifierItemState::secondaryActivateRequested, this,
+            &StatusNotifierItem::secondaryActivateRequested);
+    connect(m_state, &StatusNotifierItemState::contextMenuRequested, this,
+            &StatusNotifierItem::contextMenuRequested);
+    connect(m_state, &StatusNotifierItemState::scrollRequested, this,
+            &StatusNotifierItem::scrollRequested);
 
     if (!m_bus.isConnected())
         return;
+    m_state->moveToThread(m_bus.interface()->thread());
     // The object goes first so that a host never sees the name without it.
-    if (!m_bus.registerObject(objectPath, this, QDBusConnection::ExportAdaptors))
+    if (!m_bus.registerObject(objectPath, m_state, QDBusConnection::ExportAdaptors))
         return;
     if (!m_bus.registerService(m_serviceName)) {
         m_bus.unregisterObject(objectPath);
@@ -78,6 +92,14 @@ StatusNotifierItem::~StatusNotifierItem()
         m_bus.unregisterService(m_serviceName);
         m_bus.unregisterObject(objectPath);
     }
+    // Deleted here, not on the bus's thread: the bus waits on that thread
+    // to hear of the object's end, and would wait for itself.
+    if (m_state->thread() != thread()) {
+        QMetaObject::invokeMethod(
+            m_state, [state = m_state, home = thread()] { state->moveToThread(home); },
+            Qt::BlockingQueuedConnection);
+    }
+    delete m_state;
 }
 
 void StatusNotifierItem::registerWithWatcher()
@@ -108,27 +130,41 @@ void StatusNotifierItem::setHosted(bool hosted)
 void StatusNotifierItem::setLine(const QString &text, const QString &accessibleName,
                                  const QString &guide)
 {
-    // Each announcement makes hosts read the item again, so only what
-    // changed is announced.
+    // Each announcement makes hosts read the item again, most of them all of
+    // it, so only what changed is announced and a minute's tick changes two
+    // properties: the label, which its signal carries, and the tooltip.
     const QString oldLabel = label();
     const QString oldGuide = labelGuide();
-    const QString oldTitle = title();
     const QString oldToolTip = toolTip().title;
     m_text = text;
     m_accessibleName = accessibleName;
     m_guide = guide;
-    if (label() != oldLabel || labelGuide() != oldGuide)
-        Q_EMIT m_adaptor->XAyatanaNewLabel(label(), labelGuide());
-    // Some hosts re-read the label only on NewTitle.
-    if (title() != oldTitle)
-        Q_EMIT m_adaptor->NewTitle();
-    if (toolTip().title != oldToolTip)
-        Q_EMIT m_adaptor->NewToolTip();
+    publish();
+    const bool labelChanged = label() != oldLabel || labelGuide() != oldGuide;
+    const bool toolTipChanged = toolTip().title != oldToolTip;
+    if (!labelChanged && !toolTipChanged)
+        return;
+    // Sent from the adaptor's own thread: the bus relays only signals that
+    // an object emits there.
+    QMetaObject::invokeMethod(m_state, [adaptor = m_adaptor, labelChanged, toolTipChanged,
+                                        label = label(), guide = labelGuide()] {
+        if (labelChanged)
+            Q_EMIT adaptor->XAyatanaNewLabel(label, guide);
+        if (toolTipChanged)
+            Q_EMIT adaptor->NewToolTip();
+    });
+}
+
+void StatusNotifierItem::publish()
+{
+    m_state->setValues({title(), label(), labelGuide(), toolTip()});
 }
 
 QString StatusNotifierItem::title() const
 {
-    return m_text.isEmpty() ? appName : m_text;
+    // The program's name: the line is in the label and the tooltip already,
+    // and a title that ticked would cost hosts a second reading each minute.
+    return appName;
 }
 
 SniToolTip StatusNotifierItem::toolTip() const

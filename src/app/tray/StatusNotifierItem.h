@@ -11,10 +11,11 @@
 
 class QDBusServiceWatcher;
 class StatusNotifierItemAdaptor;
+class StatusNotifierItemState;
 
 // Our tray item as a freedesktop StatusNotifierItem: exports itself on the bus
 // and registers with org.kde.StatusNotifierWatcher whenever one appears. The
-// line of text travels as the Ayatana label, the title and the tooltip.
+// line of text travels as the Ayatana label and the tooltip.
 class StatusNotifierItem final : public QObject
 {
     Q_OBJECT
@@ -36,7 +37,7 @@ public:
     // Whether a watcher owns its name and has not refused our registration.
     bool isHosted() const { return m_hosted; }
 
-    // An empty text shows the globe alone, titled "Zonara". The guide is the
+    // An empty text shows the globe alone. The guide is the
     // widest the line can grow to; without one, hosts size it for the text.
     void setLine(const QString &text, const QString &accessibleName,
                  const QString &guide = QString());
@@ -45,7 +46,6 @@ public:
     QString label() const { return m_text; }
     QString labelGuide() const { return m_text.isEmpty() || m_guide.isEmpty() ? m_text : m_guide; }
     SniToolTip toolTip() const;
-    const SniIconPixmapList &iconPixmap() const { return m_iconPixmap; }
     QDBusObjectPath menu() const { return m_menuPath; }
 
 Q_SIGNALS:
@@ -57,14 +57,17 @@ Q_SIGNALS:
 
 private:
     void registerWithWatcher();
+    // Hands the current values to the state the bus reads.
+    void publish();
     void setHosted(bool hosted);
 
     QDBusConnection m_bus;
     QDBusObjectPath m_menuPath;
     QString m_serviceName;
+    // Lives on the bus's thread while exported.
+    StatusNotifierItemState *m_state = nullptr;
     StatusNotifierItemAdaptor *m_adaptor = nullptr;
     QDBusServiceWatcher *m_watcher = nullptr;
-    SniIconPixmapList m_iconPixmap;
     QString m_text;
     QString m_accessibleName;
     QString m_guide;

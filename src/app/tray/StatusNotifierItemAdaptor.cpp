@@ -1,12 +1,11 @@
 #include "StatusNotifierItemAdaptor.h"
 
 #include "StatusNotifierItem.h"
+#include "StatusNotifierItemState.h"
 
-#include <QIcon>
-
-StatusNotifierItemAdaptor::StatusNotifierItemAdaptor(StatusNotifierItem *item)
-    : QDBusAbstractAdaptor(item)
-    , m_item(item)
+StatusNotifierItemAdaptor::StatusNotifierItemAdaptor(StatusNotifierItemState *state)
+    : QDBusAbstractAdaptor(state)
+    , m_state(state)
 {}
 
 QString StatusNotifierItemAdaptor::id() const
@@ -16,59 +15,57 @@ QString StatusNotifierItemAdaptor::id() const
 
 QString StatusNotifierItemAdaptor::iconName() const
 {
-    // Hosts prefer a name to the pixmaps even when their theme lacks it.
-    return QIcon::hasThemeIcon(StatusNotifierItem::iconName) ? StatusNotifierItem::iconName
-                                                             : QString();
+    return m_state->iconName();
 }
 
 QString StatusNotifierItemAdaptor::title() const
 {
-    return m_item->title();
+    return m_state->values().title;
 }
 
 SniIconPixmapList StatusNotifierItemAdaptor::iconPixmap() const
 {
-    return m_item->iconPixmap();
+    return m_state->iconPixmap();
 }
 
 SniToolTip StatusNotifierItemAdaptor::toolTip() const
 {
-    return m_item->toolTip();
+    return m_state->values().toolTip;
 }
 
 QDBusObjectPath StatusNotifierItemAdaptor::menu() const
 {
-    return m_item->menu();
+    return m_state->menu();
 }
 
 QString StatusNotifierItemAdaptor::xAyatanaLabel() const
 {
-    return m_item->label();
+    return m_state->values().label;
 }
 
 QString StatusNotifierItemAdaptor::xAyatanaLabelGuide() const
 {
-    return m_item->labelGuide();
+    return m_state->values().labelGuide;
 }
 
 void StatusNotifierItemAdaptor::Activate(int x, int y)
 {
-    Q_EMIT m_item->activateRequested(QPoint(x, y));
+    Q_EMIT m_state->activateRequested(QPoint(x, y));
 }
 
 void StatusNotifierItemAdaptor::SecondaryActivate(int x, int y)
 {
-    Q_EMIT m_item->secondaryActivateRequested(QPoint(x, y));
+    Q_EMIT m_state->secondaryActivateRequested(QPoint(x, y));
 }
 
 void StatusNotifierItemAdaptor::ContextMenu(int x, int y)
 {
-    Q_EMIT m_item->contextMenuRequested(QPoint(x, y));
+    Q_EMIT m_state->contextMenuRequested(QPoint(x, y));
 }
 
 void StatusNotifierItemAdaptor::Scroll(int delta, const QString &orientation)
 {
     const bool horizontal =
         orientation.compare(QLatin1String("horizontal"), Qt::CaseInsensitive) == 0;
-    Q_EMIT m_item->scrollRequested(delta, horizontal ? Qt::Horizontal : Qt::Vertical);
+    Q_EMIT m_state->scrollRequested(delta, horizontal ? Qt::Horizontal : Qt::Vertical);
 }

@@ -7,7 +7,7 @@
 #include <QDBusObjectPath>
 #include <QString>
 
-class StatusNotifierItem;
+class StatusNotifierItemState;
 
 // The org.kde.StatusNotifierItem interface of a StatusNotifierItem.
 class StatusNotifierItemAdaptor final : public QDBusAbstractAdaptor
@@ -83,7 +83,7 @@ class StatusNotifierItemAdaptor final : public QDBusAbstractAdaptor
     Q_PROPERTY(uint XAyatanaOrderingIndex READ xAyatanaOrderingIndex)
 
 public:
-    explicit StatusNotifierItemAdaptor(StatusNotifierItem *item);
+    explicit StatusNotifierItemAdaptor(StatusNotifierItemState *state);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
     QString id() const;
@@ -117,5 +117,5 @@ Q_SIGNALS:
     void XAyatanaNewLabel(const QString &label, const QString &guide);
 
 private:
-    StatusNotifierItem *m_item;
+    StatusNotifierItemState *m_state;
 };
