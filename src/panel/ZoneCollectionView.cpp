@@ -396,10 +396,7 @@ ZoneCard *ZoneCollectionView::makeCard(const SavedZone &zone)
         if (m_canShiftTime)
             m_state.shiftBy(m_clock.now(), steps * minutes, id);
     });
-    connect(card, &ZoneCard::timeEntryRequested, this, [this, id] {
-        if (ZoneCard *card = m_cards.value(id))
-            beginTimeEntry(id, card->row()->timeArea()->property("text").toString());
-    });
+    connect(card, &ZoneCard::timeEntryRequested, this, [this, id] { beginTimeEntry(id); });
     connect(card, &ZoneCard::removalCancelled, this, [this] { m_state.cancelRemoval(); });
     connect(card, &ZoneCard::removalConfirmed, this, [this] { m_state.confirmRemoval(); });
     return card;
@@ -474,8 +471,7 @@ void ZoneCollectionView::runMenuAction(ZoneMenu::Action action, const QUuid &id)
         copyAll();
         break;
     case ZoneMenu::Action::setTime:
-        if (ZoneCard *card = m_cards.value(id))
-            beginTimeEntry(id, card->row()->timeArea()->property("text").toString());
+        beginTimeEntry(id);
         break;
     case ZoneMenu::Action::moveUp:
         m_state.move(*target, -1);

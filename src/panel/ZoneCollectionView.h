@@ -51,8 +51,9 @@ public:
     // While shifted, e.g. "+3 h · Tue 15:00 in Tokyo"; empty at now.
     QString shiftText() const { return m_shiftText; }
     void backToNow();
-    // Opens the time field of a zone's card, holding `text`.
-    void beginTimeEntry(const QUuid &id, const QString &text);
+    // Opens the time field of a zone's card, holding `text`, or the time
+    // shown, to be typed over, when there is none.
+    void beginTimeEntry(const QUuid &id, const QString &text = QString());
 
     // The list is leaving the screen: an open rename is saved and an open
     // removal confirmation dropped. Also runs when the list is hidden.

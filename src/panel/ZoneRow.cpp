@@ -284,9 +284,9 @@ void ZoneRow::beginTimeEntry(const QString &text)
         placeTimeField();
         m_timeField->show();
     }
-    m_timeField->setText(text);
+    m_timeField->setText(text.isEmpty() ? m_time->text() : text);
     // The shown time is there to be typed over; a first digit to be typed on.
-    const bool typedOn = text.size() == 1;
+    const bool typedOn = !text.isEmpty();
     m_timeField->setSelectsAllOnFocus(!typedOn);
     m_timeField->setFocus(Qt::OtherFocusReason);
     if (typedOn)

@@ -57,8 +57,9 @@ public:
     NameField *timeField() const { return m_timeField; }
     QWidget *timeArea() const;
 
-    // Replaces the time with a field holding `text`, for typing a time of
-    // day; ends with `timeEntered` or `timeEntryEnded` alone.
+    // Replaces the time with a field holding `text` (the time shown when
+    // empty), for typing a time of day; ends with `timeEntered` or
+    // `timeEntryEnded` alone.
     void beginTimeEntry(const QString &text);
 
 Q_SIGNALS:
