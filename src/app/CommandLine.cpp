@@ -4,7 +4,7 @@
 #include "BusZoneEditor.h"
 #include "CityTimes.h"
 #include "Clock.h"
-#include "IsoInstant.h"
+#include "LineCommand.h"
 #include "MemoryPreferencesStore.h"
 #include "MenuBarFormatter.h"
 #include "PosixTimeFormat.h"
@@ -66,27 +66,6 @@ const QString helpText = QStringLiteral(
     "INSTANT is an ISO-8601 date and time with an offset, e.g. 2026-01-05T20:00:07-05:00.\n"
     "Your time zone is the system's, or TZ when it is set.\n");
 
-QString formatNames()
-{
-    QStringList names;
-    for (MenuBarFormat format : MenuBarFormats::allCases())
-        names.append(MenuBarFormats::rawValue(format));
-    return names.join(QStringLiteral(", "));
-}
-
-// A snapshot of the saved state, so that reading never writes: on a first run
-// the seed stays in memory instead of landing in the user's file.
-std::unique_ptr<MemoryPreferencesStore> snapshotOf(const PreferencesStore &preferences)
-{
-    auto snapshot = std::make_unique<MemoryPreferencesStore>();
-    if (const auto bytes = preferences.readBytes(ZoneStore::zonesKey))
-        snapshot->writeBytes(ZoneStore::zonesKey, *bytes);
-    if (const auto text = preferences.readText(ZoneStore::formatKey))
-        snapshot->writeText(ZoneStore::formatKey, *text);
-    snapshot->writeBool(ZoneStore::seededKey, preferences.readBool(ZoneStore::seededKey));
-    return snapshot;
-}
-
 // Columns padded to their widest cell, two spaces apart.
 QString table(const QList<QStringList> &rows)
 {
@@ -115,23 +94,6 @@ QString compactJson(const QJsonValue &value)
     if (value.isArray())
         return QString::fromUtf8(QJsonDocument(value.toArray()).toJson(QJsonDocument::Compact));
     return QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
-}
-
-// For Xfce's Generic Monitor: the line (or the globe when it is empty), every
-// city in the tooltip, and a click that opens the panel. Its texts are Pango
-// markup and its click a shell-like command line.
-QString genmonOutput(const QString &line, const QString &cities, const QString &program)
-{
-    QString quoted = program;
-    quoted.replace(u'\'', QLatin1String("'\\''"));
-    const QString click = u'\'' + quoted + QStringLiteral("' --panel");
-    QString output = line.isEmpty() ? QStringLiteral("<icon>io.github.zonara.Zonara-symbolic</icon>"
-                                                     "<iconclick>%1</iconclick>")
-                                          .arg(click)
-                                    : QStringLiteral("<txt>%1</txt><txtclick>%2</txtclick>")
-                                          .arg(line.toHtmlEscaped(), click);
-    return output + QStringLiteral("<tool>%1</tool>")
-                        .arg(cities.isEmpty() ? QStringLiteral("Zonara") : cities.toHtmlEscaped());
 }
 
 // The city whose clock an `at` query sets.
@@ -189,64 +151,6 @@ CommandLine::CommandLine(PreferencesStore &preferences, BusSource bus, QTextStre
 
 CommandLine::~CommandLine() = default;
 
-bool CommandLine::isCommand(const QStringList &arguments)
-{
-    if (arguments.size() < 2)
-        return false;
-    const QString first = arguments.at(1);
-    static const QStringList informational{QStringLiteral("--help"), QStringLiteral("-h"),
-                                           QStringLiteral("--version"), QStringLiteral("-v")};
-    // Anything else that starts with '-' is for the tray program or for Qt.
-    return !first.startsWith(u'-') || informational.contains(first);
-}
-
-std::optional<QString> CommandLine::unknownTrayOption(const QStringList &arguments)
-{
-    // Qt's documented options for any GUI program, with or without a value.
-    static const QStringList withValue{QStringLiteral("platform"),
-                                       QStringLiteral("platformpluginpath"),
-                                       QStringLiteral("platformtheme"),
-                                       QStringLiteral("plugin"),
-                                       QStringLiteral("qwindowgeometry"),
-                                       QStringLiteral("qwindowicon"),
-                                       QStringLiteral("qwindowtitle"),
-                                       QStringLiteral("geometry"),
-                                       QStringLiteral("title"),
-                                       QStringLiteral("display"),
-                                       QStringLiteral("name"),
-                                       QStringLiteral("session"),
-                                       QStringLiteral("style"),
-                                       QStringLiteral("stylesheet"),
-                                       QStringLiteral("qmljsdebugger")};
-    static const QStringList withoutValue{QStringLiteral("reverse"), QStringLiteral("widgetcount"),
-                                          QStringLiteral("nograb"), QStringLiteral("dograb"),
-                                          QStringLiteral("sync")};
-    for (qsizetype i = 1; i < arguments.size(); ++i) {
-        const QString &argument = arguments.at(i);
-        // --gapplication-service: started by the bus for the desktop entry's activation.
-        if (argument == u"--settings" || argument == u"--panel" ||
-            argument == u"--gapplication-service")
-            continue;
-        // Qt takes its options after one dash or two, the value after '=' or
-        // as the next argument.
-        QStringView name(argument);
-        if (!name.startsWith(u'-'))
-            return argument;
-        name = name.sliced(name.startsWith(u"--") ? 2 : 1);
-        const qsizetype equals = name.indexOf(u'=');
-        const bool hasValue = equals >= 0;
-        if (hasValue)
-            name = name.first(equals);
-        if (withValue.contains(name)) {
-            if (!hasValue && ++i >= arguments.size())
-                return argument;
-        } else if (hasValue || !withoutValue.contains(name)) {
-            return argument;
-        }
-    }
-    return std::nullopt;
-}
-
 int CommandLine::run(const QStringList &arguments)
 {
     const int status = dispatch(arguments);
@@ -267,6 +171,9 @@ int CommandLine::dispatch(const QStringList &arguments)
     if (command == u"--version" || command == u"-v")
         return print(QStringLiteral("zonara " ZONARA_VERSION));
 
+    if (command == u"line")
+        return LineCommand(m_preferences, m_out, m_err).run(arguments);
+
     using Command = int (CommandLine::*)(QCommandLineParser &);
     struct Entry
     {
@@ -278,7 +185,6 @@ int CommandLine::dispatch(const QStringList &arguments)
                                           QStringLiteral("NAME"));
     const QCommandLineOption atOption(QStringLiteral("at"), QString(), QStringLiteral("INSTANT"));
     const QCommandLineOption dateOption(QStringLiteral("date"), QString(), QStringLiteral("DATE"));
-    const QCommandLineOption genmonOption(QStringLiteral("genmon"));
     const QCommandLineOption jsonOption(QStringLiteral("json"));
     const QCommandLineOption nicknameOption(QStringLiteral("nickname"), QString(),
                                             QStringLiteral("TEXT"));
@@ -287,7 +193,6 @@ int CommandLine::dispatch(const QStringList &arguments)
                                           QStringLiteral("ZONE"));
     const QCommandLineOption toEndOption(QStringLiteral("to-end"));
     const QList<Entry> commands{
-        {u"line", &CommandLine::line, {formatOption, atOption, genmonOption}},
         {u"watch", &CommandLine::watch, {formatOption, jsonOption}},
         {u"list", &CommandLine::list, {jsonOption, atOption, dateOption}},
         {u"at", &CommandLine::at, {jsonOption, dateOption}},
@@ -318,7 +223,7 @@ int CommandLine::dispatch(const QStringList &arguments)
 
 int CommandLine::help()
 {
-    return print(helpText.arg(formatNames()).chopped(1));
+    return print(helpText.arg(LineCommand::formatNames()).chopped(1));
 }
 
 ZoneEditor &CommandLine::editor(bool forEditing)
@@ -329,13 +234,13 @@ ZoneEditor &CommandLine::editor(bool forEditing)
     m_editor.reset();
     m_store.reset();
     m_snapshot.reset();
-    if (!m_fileOnly && BusZoneEditor::isServing(bus())) {
+    if (BusZoneEditor::isServing(bus())) {
         m_editor = std::make_unique<BusZoneEditor>(bus());
     } else if (forEditing) {
         m_store = std::make_unique<ZoneStore>(m_preferences, TimeZoneDatabase::lookup());
         m_editor = std::make_unique<StoreZoneEditor>(*m_store);
     } else {
-        m_snapshot = snapshotOf(m_preferences);
+        m_snapshot = LineCommand::snapshotOf(m_preferences);
         m_store = std::make_unique<ZoneStore>(*m_snapshot, TimeZoneDatabase::lookup());
         m_editor = std::make_unique<StoreZoneEditor>(*m_store);
     }
@@ -350,8 +255,8 @@ std::optional<MenuBarFormat> CommandLine::chosenFormat(const QCommandLineParser 
         const QString name = parser.value(QStringLiteral("format"));
         if (const std::optional<MenuBarFormat> format = MenuBarFormats::fromRawValue(name))
             return format;
-        status = usageError(
-            QStringLiteral("unknown format \"%1\"; the formats are %2").arg(name, formatNames()));
+        status = usageError(QStringLiteral("unknown format \"%1\"; the formats are %2")
+                                .arg(name, LineCommand::formatNames()));
         return std::nullopt;
     }
     const std::optional<MenuBarFormat> stored = editor(false).format();
@@ -423,41 +328,6 @@ int CommandLine::print(const QString &text)
     m_out << text << '\n';
     m_out.flush();
     return Success;
-}
-
-int CommandLine::line(QCommandLineParser &parser)
-{
-    if (!parser.positionalArguments().isEmpty())
-        return usageError(QStringLiteral("\"line\" takes no argument \"%1\"")
-                              .arg(parser.positionalArguments().constFirst()));
-    // A running Zonara saves every edit before it answers, so its file is
-    // what it shows; a status bar asking every few seconds skips the bus.
-    m_fileOnly = true;
-    int status = Success;
-    const std::optional<MenuBarFormat> format = chosenFormat(parser, status);
-    if (!format)
-        return status;
-
-    QDateTime at = QDateTime::currentDateTimeUtc();
-    if (parser.isSet(QStringLiteral("at"))) {
-        const QString text = parser.value(QStringLiteral("at"));
-        const std::optional<QDateTime> instant = IsoInstant::parse(text);
-        if (!instant) {
-            return usageError(QStringLiteral("\"%1\" is not an ISO-8601 date and time with an "
-                                             "offset, such as 2026-01-05T20:00:07-05:00")
-                                  .arg(text));
-        }
-        at = *instant;
-    }
-    const std::optional<QList<SavedZone>> zones = editor(false).zones();
-    if (!zones)
-        return editResult(int(ZoneEditor::Result::Unreachable));
-    const QTimeZone local = TimeZoneDatabase::localZone();
-    const QString text = MenuBarFormatter::string(*zones, *format, at, local);
-    if (!parser.isSet(QStringLiteral("genmon")))
-        return print(text);
-    return print(genmonOutput(text, CityTimes::summary(*zones, *format, at, local),
-                              QCoreApplication::applicationFilePath()));
 }
 
 int CommandLine::watch(QCommandLineParser &parser)
@@ -879,7 +749,7 @@ int CommandLine::format(QCommandLineParser &parser)
         MenuBarFormats::fromRawValue(arguments.constFirst());
     if (!format) {
         return usageError(QStringLiteral("unknown format \"%1\"; the formats are %2")
-                              .arg(arguments.constFirst(), formatNames()));
+                              .arg(arguments.constFirst(), LineCommand::formatNames()));
     }
     return editResult(int(editor(true).setFormat(*format)));
 }

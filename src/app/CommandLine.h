@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CommandArguments.h"
 #include "MenuBarFormat.h"
 #include "SavedZone.h"
 
@@ -23,22 +24,13 @@ class ZoneStore;
 class CommandLine final
 {
 public:
-    // A change that could not be saved ends with UsageError's status too.
-    enum ExitCode { Success = 0, Refused = 1, UsageError = 2 };
+    using enum CommandArguments::ExitCode;
 
     // The session bus, connected to only when a command first needs it.
     using BusSource = std::function<QDBusConnection()>;
 
     CommandLine(PreferencesStore &preferences, BusSource bus, QTextStream &out, QTextStream &err);
     ~CommandLine();
-
-    // Whether the arguments (the program name first) ask for a command
-    // rather than for the tray program.
-    static bool isCommand(const QStringList &arguments);
-
-    // For arguments that start the tray program: the first one that is
-    // neither its own (--settings) nor one of Qt's documented options.
-    static std::optional<QString> unknownTrayOption(const QStringList &arguments);
 
     // Runs the command in the arguments (the program name first) and returns
     // the exit status.
@@ -47,7 +39,6 @@ public:
 private:
     int dispatch(const QStringList &arguments);
     int help();
-    int line(QCommandLineParser &parser);
     int watch(QCommandLineParser &parser);
     int list(QCommandLineParser &parser);
     int at(QCommandLineParser &parser);
@@ -81,5 +72,4 @@ private:
     std::unique_ptr<MemoryPreferencesStore> m_snapshot;
     std::unique_ptr<ZoneStore> m_store;
     std::unique_ptr<ZoneEditor> m_editor;
-    bool m_fileOnly = false;
 };

@@ -1,6 +1,6 @@
 // The tray program, started by `zonara` in its own place when the arguments
 // ask for no command. It alone loads the widgets, SVG and network stack.
-#include "CommandLine.h"
+#include "CommandArguments.h"
 #include "FocusRingStyle.h"
 #include "SingleInstance.h"
 #include "ZonaraApp.h"
@@ -17,10 +17,10 @@ int main(int argc, char *argv[])
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     // Also refused here, when started directly, before anything needs a display.
-    if (const std::optional<QString> unknown = CommandLine::unknownTrayOption(arguments)) {
+    if (const std::optional<QString> unknown = CommandArguments::unknownTrayOption(arguments)) {
         std::fprintf(stderr, "zonara: unknown option \"%s\"; see \"zonara --help\"\n",
                      unknown->toLocal8Bit().constData());
-        return CommandLine::UsageError;
+        return CommandArguments::UsageError;
     }
 
     QApplication app(argc, argv);

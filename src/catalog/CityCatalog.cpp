@@ -43,7 +43,12 @@ QString fileName()
     const QString explicitFile = qEnvironmentVariable(fileVariable);
     if (!explicitFile.isEmpty())
         return explicitFile;
-    return QDir::cleanPath(executableDirectory() + u"/../share/zonara/cities.json");
+    // Programs live in bin/ and in libexec/zonara/; the build tree has all in bin/.
+    const QString directory = executableDirectory();
+    const QString besideBin = QDir::cleanPath(directory + u"/../share/zonara/cities.json");
+    const QString besideLibexec = QDir::cleanPath(directory + u"/../../share/zonara/cities.json");
+    return QFileInfo::exists(besideBin) || !QFileInfo::exists(besideLibexec) ? besideBin
+                                                                            : besideLibexec;
 }
 
 const QList<CityEntry> &shared()

@@ -19,8 +19,9 @@ namespace CityCatalog {
 inline constexpr char fileVariable[] = "ZONARA_CITIES_FILE";
 
 // The file the shared catalogue comes from: $ZONARA_CITIES_FILE when set,
-// otherwise share/zonara/cities.json beside the executable's bin directory
-// (the installed layout, which the build tree mirrors).
+// otherwise share/zonara/cities.json beside the executable's bin directory,
+// or beside libexec for the programs installed in libexec/zonara (the
+// installed layout, which the build tree mirrors).
 QString fileName();
 
 // All cities in file order, read on first use (safe from any thread).

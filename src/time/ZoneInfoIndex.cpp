@@ -8,23 +8,54 @@
 
 namespace {
 
+// The n-th blank-separated field of a line, or empty.
+QByteArrayView field(QByteArrayView line, int n)
+{
+    qsizetype at = 0;
+    for (int i = 0;; ++i) {
+        while (at < line.size() && (line[at] == ' ' || line[at] == '\t'))
+            ++at;
+        qsizetype end = at;
+        while (end < line.size() && line[end] != ' ' && line[end] != '\t' && line[end] != '\r')
+            ++end;
+        if (i == n || at == end)
+            return line.sliced(at, end - at);
+        at = end;
+    }
+}
+
 bool readTzdataZi(const QString &path, ZoneInfoIndex &index)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
+    // Mapped and scanned in place: this runs on every start of the command
+    // line, and reading it a line at a time cost more than all the rest.
+    QByteArray copy;
+    QByteArrayView all;
+    if (const uchar *mapped = file.size() > 0 ? file.map(0, file.size()) : nullptr) {
+        all = QByteArrayView(mapped, file.size());
+    } else {
+        copy = file.readAll();
+        all = copy;
+    }
     QSet<QString> zones;
-    while (!file.atEnd()) {
-        const QByteArray line = file.readLine();
+    for (qsizetype start = 0; start < all.size();) {
+        qsizetype end = all.indexOf('\n', start);
+        if (end < 0)
+            end = all.size();
+        const QByteArrayView line = all.sliced(start, end - start);
+        start = end + 1;
         // Only "Z name ..." and "L target name" matter; rule lines and
         // zone continuation lines start with other letters or blanks.
-        if (line.size() < 3 || line.at(1) != ' ' || (line.at(0) != 'Z' && line.at(0) != 'L'))
+        if (line.size() < 3 || line[1] != ' ' || (line[0] != 'Z' && line[0] != 'L'))
             continue;
-        const QList<QByteArray> fields = line.simplified().split(' ');
-        if (line.at(0) == 'Z' && fields.size() >= 2)
-            zones.insert(QString::fromUtf8(fields.at(1)));
-        else if (line.at(0) == 'L' && fields.size() >= 3)
-            index.links.insert(QString::fromUtf8(fields.at(2)), QString::fromUtf8(fields.at(1)));
+        if (line[0] == 'Z') {
+            if (const QByteArrayView name = field(line, 1); !name.isEmpty())
+                zones.insert(QString::fromUtf8(name));
+        } else if (const QByteArrayView name = field(line, 2); !name.isEmpty()) {
+            index.links.insert(QString::fromUtf8(name), QString::fromUtf8(field(line, 1)));
+        }
     }
     index.zones = QStringList(zones.cbegin(), zones.cend());
     return true;

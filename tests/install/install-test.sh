@@ -27,7 +27,7 @@ stage)
     ;;
 
 layout)
-    for file in bin/zonara libexec/zonara/zonara-tray \
+    for file in bin/zonara libexec/zonara/zonara-tray libexec/zonara/zonara-cli \
         share/zonara/cities.json share/zonara/LICENSE share/zonara/README \
         share/applications/$app.desktop share/metainfo/$app.metainfo.xml \
         share/icons/hicolor/scalable/apps/$app.svg \
