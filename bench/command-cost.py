@@ -4,7 +4,9 @@ time of `zonara line`, `list` and `search`, each run N times (default 30)
 against a throw-away configuration with three pinned cities and no running
 Zonara on the session bus (run it in a session, or under dbus-run-session, so
 that asking the bus is part of the cost). The medians are printed; `line`
-should stay under 15 ms of CPU.
+should stay under 15 ms of CPU. Beside them, the same for a program that only
+starts QtCore (zonara_bench_bare, built next to zonara), run in turn with the
+commands so that a busy machine weighs on both alike.
 
     bench/command-cost.py [ZONARA_BINARY] [RUNS]
 """
@@ -27,19 +29,23 @@ with tempfile.TemporaryDirectory() as home:
         subprocess.run([binary, "add", zone, "--pin"], env=env, check=True,
                        stdout=subprocess.DEVNULL)
 
-    def measure(arguments):
-        cpu, wall = [], []
-        for _ in range(runs):
+    bare = os.path.join(os.path.dirname(binary), "zonara_bench_bare")
+    commands = [[binary, "line"], [binary, "list"], [binary, "search", "stockholm"]]
+    if os.access(bare, os.X_OK):
+        commands.append([bare])
+    cpu = {i: [] for i in range(len(commands))}
+    wall = {i: [] for i in range(len(commands))}
+    for _ in range(runs):
+        for i, command in enumerate(commands):
             before = resource.getrusage(resource.RUSAGE_CHILDREN)
             start = time.perf_counter()
-            subprocess.run([binary] + arguments, env=env, check=True,
-                           stdout=subprocess.DEVNULL)
-            wall.append(time.perf_counter() - start)
+            subprocess.run(command, env=env, check=True, stdout=subprocess.DEVNULL)
+            wall[i].append(time.perf_counter() - start)
             after = resource.getrusage(resource.RUSAGE_CHILDREN)
-            cpu.append(after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime)
-        return statistics.median(cpu) * 1000, statistics.median(wall) * 1000
+            cpu[i].append(after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime)
 
     print(f"{'command':<22}{'CPU ms':>10}{'wall ms':>10}   (median of {runs})")
-    for arguments in (["line"], ["list"], ["search", "stockholm"]):
-        cpu, wall = measure(arguments)
-        print(f"{' '.join(arguments):<22}{cpu:>10.1f}{wall:>10.1f}")
+    for i, command in enumerate(commands):
+        name = " ".join(command[1:]) if command[0] == binary else "bare QtCore program"
+        print(f"{name:<22}{statistics.median(cpu[i]) * 1000:>10.1f}"
+              f"{statistics.median(wall[i]) * 1000:>10.1f}")

@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libqt6svg6
-    libplist-dev libsodium-dev libbenchmark-dev libxcb1-dev
+    libplist-dev libsodium-dev libbenchmark-dev libxcb1-dev libdbus-1-dev
     tzdata python3
 )
 if [ "${1:-}" = "--test" ]; then

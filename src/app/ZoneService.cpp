@@ -1,8 +1,10 @@
 #include "ZoneService.h"
 
 #include "CityTimes.h"
+#include "DirectBusSignal.h"
 #include "StoreZoneEditor.h"
 #include "TimeZoneDatabase.h"
+#include "ZonaraBus.h"
 #include "ZoneLimits.h"
 #include "ZoneListCodec.h"
 #include "ZoneStore.h"
@@ -36,7 +38,12 @@ void ZoneService::setLine(const QString &line)
     if (line == m_line)
         return;
     m_line = line;
-    Q_EMIT LineChanged(m_line);
+    // Sent from here: QtDBus would relay it through its own thread, a
+    // second wake-up of this process at every tick.
+    if (!(DirectBusSignal(ZonaraBus::objectPath, interfaceName, QStringLiteral("LineChanged"))
+          << m_line)
+             .send(m_bus))
+        Q_EMIT LineChanged(m_line);
 }
 
 void ZoneService::setPanelToggle(std::function<void(const QPoint &)> toggle)

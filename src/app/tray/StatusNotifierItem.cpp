@@ -1,5 +1,6 @@
 #include "StatusNotifierItem.h"
 
+#include "DirectBusSignal.h"
 #include "GlobeIcon.h"
 #include "StatusNotifierItemAdaptor.h"
 #include "StatusNotifierItemState.h"
@@ -142,15 +143,26 @@ void StatusNotifierItem::setLine(const QString &text, const QString &accessibleN
     publish();
     const bool labelChanged = label() != oldLabel || labelGuide() != oldGuide;
     const bool toolTipChanged = toolTip().title != oldToolTip;
-    if (!labelChanged && !toolTipChanged)
+    if ((!labelChanged && !toolTipChanged) || !m_exported)
         return;
-    // Sent from the adaptor's own thread: the bus relays only signals that
-    // an object emits there.
-    QMetaObject::invokeMethod(m_state, [adaptor = m_adaptor, labelChanged, toolTipChanged,
-                                        label = label(), guide = labelGuide()] {
-        if (labelChanged)
+    // Sent from here, straight to the bus: handing them to QtDBus's thread
+    // would wake this process twice a tick. QtDBus relays only signals
+    // emitted on its own thread, so that is where they go otherwise.
+    const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
+    const bool labelSent =
+        !labelChanged || (DirectBusSignal(objectPath, interface, QStringLiteral("XAyatanaNewLabel"))
+                          << label() << labelGuide())
+                             .send(m_bus);
+    const bool toolTipSent =
+        !toolTipChanged ||
+        DirectBusSignal(objectPath, interface, QStringLiteral("NewToolTip")).send(m_bus);
+    if (labelSent && toolTipSent)
+        return;
+    QMetaObject::invokeMethod(m_state, [adaptor = m_adaptor, label = label(), guide = labelGuide(),
+                                        labelSent, toolTipSent] {
+        if (!labelSent)
             Q_EMIT adaptor->XAyatanaNewLabel(label, guide);
-        if (toolTipChanged)
+        if (!toolTipSent)
             Q_EMIT adaptor->NewToolTip();
     });
 }
