@@ -46,6 +46,8 @@ private Q_SLOTS:
     void lineFollowsLocalZone_data();
     void lineFollowsLocalZone();
     void nothingPinnedPrintsEmptyLine();
+    void commandsLoadOnlyWhatTheyNeed_data();
+    void commandsLoadOnlyWhatTheyNeed();
     void readingWritesNothing();
     void failingEditsWriteNothing_data();
     void failingEditsWriteNothing();
@@ -258,6 +260,38 @@ void TestCommandLine::nothingPinnedPrintsEmptyLine()
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.out, QStringLiteral("\n"));
     QCOMPARE(result.err, QString());
+}
+
+void TestCommandLine::commandsLoadOnlyWhatTheyNeed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("unloaded");
+    const QStringList gui{"libQt6Gui", "libQt6Widgets", "libQt6Network", "libQt6Svg"};
+    // A status bar may ask for the line every few seconds: not even the bus.
+    QTest::newRow("line") << QStringList{"line"} << QStringList{"libQt6DBus"} + gui;
+    QTest::newRow("list") << QStringList{"list"} << gui;
+    QTest::newRow("search") << QStringList{"search", "stockholm"} << gui;
+}
+
+void TestCommandLine::commandsLoadOnlyWhatTheyNeed()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, unloaded);
+
+    saveZones(workedExampleZones());
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
+    // The dynamic loader names every library it loads, across exec too.
+    environment.insert(QStringLiteral("LD_DEBUG"), QStringLiteral("files"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(ZONARA_BINARY), arguments);
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitCode(), 0);
+    const QString loads = QString::fromUtf8(process.readAllStandardError());
+    QVERIFY2(loads.contains(u"file=libQt6Core"), "the loader did not say what it loaded");
+    for (const QString &library : unloaded)
+        QVERIFY2(!loads.contains(u"file=" + library), qPrintable(library));
 }
 
 void TestCommandLine::readingWritesNothing()
