@@ -77,7 +77,7 @@ private:
     void saveZones(const QList<SavedZone> &zones, const QString &format = QString());
     // As another user when the tests run as root, whom permissions do not stop.
     Result run(const QStringList &arguments, const QString &tz = QStringLiteral("America/New_York"),
-               bool asOtherUser = false);
+               bool asOtherUser = false, const QString &loaderDebug = QString());
     QJsonArray listJson();
     QStringList names();
     QString configFile() const { return m_home->filePath(QStringLiteral("zonara/zonara.conf")); }
@@ -101,7 +101,8 @@ void TestCommandLine::saveZones(const QList<SavedZone> &zones, const QString &fo
         preferences.writeText(ZoneStore::formatKey, format);
 }
 
-Result TestCommandLine::run(const QStringList &arguments, const QString &tz, bool asOtherUser)
+Result TestCommandLine::run(const QStringList &arguments, const QString &tz, bool asOtherUser,
+                            const QString &loaderDebug)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -111,6 +112,8 @@ Result TestCommandLine::run(const QStringList &arguments, const QString &tz, boo
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
     if (!m_busAddress.isEmpty())
         environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_busAddress);
+    if (!loaderDebug.isEmpty())
+        environment.insert(QStringLiteral("LD_DEBUG"), loaderDebug);
     process.setProcessEnvironment(environment);
     if (asOtherUser && ::geteuid() == 0)
         process.start(QStringLiteral("setpriv"),
@@ -279,16 +282,10 @@ void TestCommandLine::commandsLoadOnlyWhatTheyNeed()
     QFETCH(QStringList, unloaded);
 
     saveZones(workedExampleZones());
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
     // The dynamic loader names every library it loads, across exec too.
-    environment.insert(QStringLiteral("LD_DEBUG"), QStringLiteral("files"));
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(ZONARA_BINARY), arguments);
-    QVERIFY(process.waitForFinished(30000));
-    QCOMPARE(process.exitCode(), 0);
-    const QString loads = QString::fromUtf8(process.readAllStandardError());
+    const Result result = run(arguments, QStringLiteral("UTC"), false, QStringLiteral("files"));
+    QCOMPARE(result.exitCode, 0);
+    const QString &loads = result.err;
     QVERIFY2(loads.contains(u"file=libQt6Core"), "the loader did not say what it loaded");
     for (const QString &library : unloaded)
         QVERIFY2(!loads.contains(u"file=" + library), qPrintable(library));
